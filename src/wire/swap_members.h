@@ -1,6 +1,5 @@
 // In-place exchange of byte order, member by member.
-#ifndef WIRE_SWAP_MEMBERS_H
-#define WIRE_SWAP_MEMBERS_H
+#pragma once
 
 #include <bit>
 #include <cstddef>
@@ -54,5 +53,3 @@ void swap_members(void *record)
 }
 
 } // namespace ofp
-
-#endif
