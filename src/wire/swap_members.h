@@ -31,7 +31,8 @@ struct WireInteger<OfpUnaligned32> : std::type_identity<uint32_t> {};
 template <>
 struct WireInteger<OfpUnaligned64> : std::type_identity<uint64_t> {};
 
-// Through memcpy: a record may lie at an odd address, a member of a packed one often does.
+// Through memcpy: a record may lie at an odd address, a member of a packed one often does. A member
+// pointer is the member's offset in the ABI of g++ and clang.
 template <typename Record, typename Member>
 void swap_member(Member Record::*member, uint8_t *record)
 {
