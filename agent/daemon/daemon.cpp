@@ -117,7 +117,8 @@ std::string serve(const Options &options, int listener, const Announce &announce
     if (!server.start()) {
         return "the socket cannot be watched";
     }
-    log::info("ofp-agent " OFP_AGENT_VERSION " serves node {}, process {}, at most {} rules a table",
+    log::info("ofp-agent " OFP_AGENT_VERSION
+              " serves node {}, process {}, at most {} rules a table",
               options.node, getpid(), limits.rules_per_table);
     announce({});
     event_base_dispatch(base.get());

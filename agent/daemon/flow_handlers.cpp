@@ -38,12 +38,11 @@ Verdict apply_flow_mod(const OfpClientHead &head, Bytes message, Model &model)
         constexpr size_t TABLE_ID = 24;
         constexpr size_t COMMAND = 25;
         const uint8_t table = message[TABLE_ID];
-        const bool all_tables = table == openflow::OFPTT_ALL &&
-                                (message[COMMAND] == openflow::OFPFC_DELETE ||
-                                 message[COMMAND] == openflow::OFPFC_DELETE_STRICT);
+        const bool all_tables =
+            table == openflow::OFPTT_ALL && (message[COMMAND] == openflow::OFPFC_DELETE ||
+                                             message[COMMAND] == openflow::OFPFC_DELETE_STRICT);
         if (!all_tables && !model.table(head.client_id, table)) {
-            return openflow::Error{openflow::OFPET_FLOW_MOD_FAILED,
-                                   openflow::OFPFMFC_BAD_TABLE_ID};
+            return openflow::Error{openflow::OFPET_FLOW_MOD_FAILED, openflow::OFPFMFC_BAD_TABLE_ID};
         }
     }
     return model.flow_switch().flow_mod(head.client_id, message);
@@ -75,7 +74,7 @@ void answer_error(const OfpClientHead &head, Bytes message, openflow::Error erro
                   Model &model)
 {
     ++model.counters.errors;
-    reply.openflow(openflow::encode_error(message, error));
+    openflow::write_error(message, error, reply.openflow(openflow::error_size(message)));
     log::refusal("client {}: {} with transaction id {:#x} refused: {}", head.client_id,
                  openflow::message_name(message[1]), openflow::load32(&message[4]),
                  openflow::error_name(error));
@@ -90,8 +89,8 @@ Verdict check_header(const openflow::Header &header, Bytes message, uint8_t type
     if (header.type != type && header.type != OFPT_BARRIER_REQUEST) {
         return Error{OFPET_BAD_REQUEST, OFPBRC_BAD_TYPE};
     }
-    const bool fits = header.length == message.size() &&
-                      (header.type == type || header.length == HEADER_SIZE);
+    const bool fits =
+        header.length == message.size() && (header.type == type || header.length == HEADER_SIZE);
     return fits ? std::nullopt : Verdict(Error{OFPET_BAD_REQUEST, OFPBRC_BAD_LEN});
 }
 

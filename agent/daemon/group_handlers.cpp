@@ -14,7 +14,7 @@ uint32_t take_group(const Request &request, const Model &model, OfpGroupID &key)
     if (const uint32_t code = take_only(request, OFP_TLV_GroupID, key)) {
         return code;
     }
-    return model.instance(key.instance_id) ? 0 : uint32_t{NO_INSTANCE};
+    return model.instance(key.instance_id) ? 0 : NO_INSTANCE;
 }
 
 OfpGroupBase base_record(const OfpGroupID &key, const GroupView &group)

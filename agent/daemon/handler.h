@@ -1,6 +1,6 @@
-// The handlers, one a message. A handler reads the request, changes or asks the model and writes its
-// answer into reply. It returns 0 or the result code with which the request is refused; what it had
-// written is then dropped and a result reply takes its place.
+// The handlers, one a message. A handler reads the request, changes or asks the model and writes
+// its answer into reply. It returns 0 or the result code with which the request is refused; what it
+// had written is then dropped and a result reply takes its place.
 //
 // A handler that changes something writes nothing after the change that could fail for want of
 // memory: it reserves the room for its answer first.

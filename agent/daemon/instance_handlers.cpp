@@ -37,7 +37,7 @@ uint32_t add_instance(const Request &request, Reply &, Model &model)
     while (!rest.empty()) {
         OfpFlowTable table;
         if (const uint32_t code = take(rest, OFP_TLV_FlowTable, table)) {
-            return code == MISSING_TLV ? uint32_t{TRAILING_BYTES} : code;
+            return code == MISSING_TLV ? TRAILING_BYTES : code;
         }
         tables.push_back(table);
     }

@@ -35,7 +35,8 @@ int await_child(int fd)
     if (said == "ready\n") {
         return 0;
     }
-    std::fprintf(stderr, "ofp-agent: %s", said.empty() ? "ended before it was ready\n" : said.c_str());
+    std::fprintf(stderr, "ofp-agent: %s",
+                 said.empty() ? "ended before it was ready\n" : said.c_str());
     return 1;
 }
 

@@ -57,7 +57,7 @@ uint32_t Model::add_instance(const OfpInstFilter &filter, std::vector<OfpFlowTab
         return same_layout(known->second.tables, tables) &&
                        same_filter(known->second.filter, filter)
                    ? 0
-                   : uint32_t{INSTANCE_DIFFERS};
+                   : INSTANCE_DIFFERS;
     }
     instances_.insert_or_assign(id, Instance{filter, true, std::move(tables)});
     return 0;

@@ -1,5 +1,5 @@
-// What the agent knows: the instances with their tables, and the switch that holds rules and groups.
-// Nothing here knows of sockets or datagrams.
+// What the agent knows: the instances with their tables, and the switch that holds rules and
+// groups. Nothing here knows of sockets or datagrams.
 #pragma once
 
 #include <cstdint>

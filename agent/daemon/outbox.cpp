@@ -31,9 +31,15 @@ void Outbox::reserve(size_t datagrams, size_t bytes)
 
 void Outbox::append(Bytes datagram)
 {
+    std::memcpy(append(datagram.size()), datagram.data(), datagram.size());
+}
+
+uint8_t *Outbox::append(size_t bytes)
+{
     begin();
-    std::memcpy(extend(datagram.size()), datagram.data(), datagram.size());
+    uint8_t *const room = extend(bytes);
     end();
+    return room;
 }
 
 void Outbox::begin()

@@ -17,6 +17,7 @@ public:
     void reserve(size_t datagrams, size_t bytes);
 
     void append(Bytes datagram);
+    uint8_t *append(size_t bytes); // the room to write the datagram to
 
     // A datagram written piece by piece. Between begin and end nothing else may be appended.
     void begin();

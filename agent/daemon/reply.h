@@ -23,8 +23,9 @@ public:
     // A result reply.
     void result(uint32_t code);
 
-    // An OpenFlow message, which travels bare.
+    // An OpenFlow message, which travels bare; of the second form, the room to write it to.
     void openflow(Bytes message) { out_.append(message); }
+    uint8_t *openflow(size_t size) { return out_.append(size); }
 
     // A message head and one record.
     template <class Record>

@@ -1,5 +1,5 @@
-// Result codes that this agent adds to those of the library: what a result reply says when a request
-// is refused.
+// Result codes that this agent adds to those of the library: what a result reply says when a
+// request is refused.
 #pragma once
 
 #include <cstdint>
@@ -36,11 +36,9 @@
 
 namespace agent {
 
-enum ResultCode : uint32_t {
-#define OFP_ROW(name, code, text) name = code,
-    OFP_AGENT_RESULT_CODES(OFP_ROW)
+#define OFP_ROW(name, code, text) inline constexpr uint32_t name = code;
+OFP_AGENT_RESULT_CODES(OFP_ROW)
 #undef OFP_ROW
-};
 
 // The sentence of a code of this agent or of the library; "unknown result code" for others.
 const char *result_text(uint32_t code);

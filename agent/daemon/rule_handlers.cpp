@@ -12,7 +12,7 @@ uint32_t check_key(const OfpRuleIDInfo &key, const Model &model)
     if (!model.instance(key.instance_id)) {
         return NO_INSTANCE;
     }
-    return model.table(key.instance_id, key.table_id) ? 0 : uint32_t{NO_TABLE};
+    return model.table(key.instance_id, key.table_id) ? 0 : NO_TABLE;
 }
 
 uint32_t take_key(const Request &request, const Model &model, OfpRuleIDInfo &key)
@@ -23,9 +23,8 @@ uint32_t take_key(const Request &request, const Model &model, OfpRuleIDInfo &key
 
 OfpFRStatsInfo statistics(const RuleView &rule)
 {
-    return {.packet_count = rule.packets,
-            .byte_count = rule.bytes,
-            .duration_sec = rule.age_seconds};
+    return {
+        .packet_count = rule.packets, .byte_count = rule.bytes, .duration_sec = rule.age_seconds};
 }
 
 uint32_t answer_next(uint32_t next, uint32_t message, Reply &reply)
@@ -38,8 +37,8 @@ uint32_t answer_next(uint32_t next, uint32_t message, Reply &reply)
 }
 
 // A key, its statistics and, when there is one, the rule as it was programmed.
-uint32_t answer_rule(uint32_t message, const OfpRuleIDInfo &key, const std::optional<RuleView> &rule,
-                     Reply &reply)
+uint32_t answer_rule(uint32_t message, const OfpRuleIDInfo &key,
+                     const std::optional<RuleView> &rule, Reply &reply)
 {
     reply.begin(message);
     reply.add(OFP_TLV_RuleIDInfo, key);
@@ -78,8 +77,7 @@ uint32_t next_rule(const Request &request, Reply &reply, Model &model)
     if (const uint32_t code = take_key(request, model, key)) {
         return code;
     }
-    const uint32_t next =
-        model.flow_switch().next_rule(key.instance_id, key.table_id, key.rule_id);
+    const uint32_t next = model.flow_switch().next_rule(key.instance_id, key.table_id, key.rule_id);
     return answer_next(next, OFP_MSG_NEXT_RULE_ID, reply);
 }
 
@@ -87,7 +85,7 @@ uint32_t next_rule_not_in_effect(const Request &request, Reply &, Model &model)
 {
     OfpRuleIDInfo key;
     const uint32_t code = take_key(request, model, key);
-    return code ? code : uint32_t{NO_NEXT}; // a rule that this switch took is in effect
+    return code ? code : NO_NEXT; // a rule that this switch took is in effect
 }
 
 uint32_t next_rule_by_match(const Request &request, Reply &reply, Model &model)
@@ -131,7 +129,7 @@ uint32_t rule_info(const Request &request, Reply &reply, Model &model)
         return code;
     }
     const auto rule = model.flow_switch().rule(key.instance_id, key.table_id, key.rule_id);
-    return rule ? answer_rule(OFP_MSG_RULE_INFO, key, rule, reply) : uint32_t{NO_RULE};
+    return rule ? answer_rule(OFP_MSG_RULE_INFO, key, rule, reply) : NO_RULE;
 }
 
 uint32_t miss_rule_stats(const Request &request, Reply &reply, Model &model)

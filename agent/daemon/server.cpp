@@ -21,7 +21,7 @@ constexpr int ACCEPTS_PER_TURN = 64;
 constexpr int DATAGRAMS_PER_TURN = 16;
 constexpr size_t SENDS_PER_CALL = 32;
 
-constexpr size_t QUEUE_HIGH = 64 * 1024;       // no more of the client's requests are read
+constexpr size_t QUEUE_HIGH = 64 * 1024;        // no more of the client's requests are read
 constexpr size_t QUEUE_LIMIT = 4 * 1024 * 1024; // the client is dropped
 
 constexpr timeval RETRY_ACCEPT{0, 100'000};
@@ -195,7 +195,8 @@ void Server::tend(Connection &connection, short what)
 
 bool Server::read_some(Connection &connection)
 {
-    for (int turn = 0; turn < DATAGRAMS_PER_TURN && connection.queue.bytes() <= QUEUE_HIGH; ++turn) {
+    for (int turn = 0; turn < DATAGRAMS_PER_TURN && connection.queue.bytes() <= QUEUE_HIGH;
+         ++turn) {
         const int64_t length = HOST_Receive(connection.fd, buffer_.get(), DATAGRAM_MAX + 1);
         if (length == HOST_HANGUP) {
             connection.ended = true;
@@ -284,8 +285,8 @@ bool Server::await(Connection &connection)
         event_del(&connection.ready);
         connection.awaited = 0;
     }
-    if (event_assign(&connection.ready, base_, connection.fd, static_cast<short>(wanted | EV_PERSIST),
-                     on_connection, &connection) != 0 ||
+    if (event_assign(&connection.ready, base_, connection.fd,
+                     static_cast<short>(wanted | EV_PERSIST), on_connection, &connection) != 0 ||
         event_add(&connection.ready, nullptr) != 0) {
         return false;
     }

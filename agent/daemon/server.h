@@ -1,9 +1,9 @@
 // The agent's socket: takes connections, reads datagrams, has them answered and sends the answers.
 //
-// Nobody waits for anybody: sockets never block, a connection is served a bounded number of datagrams
-// before others have their turn, and answers that a client does not take wait in a queue of its own.
-// While that queue is long, no more of the client's requests are read, so that it is the client that
-// waits. A queue that would grow past all bounds ends its connection.
+// Nobody waits for anybody: sockets never block, a connection is served a bounded number of
+// datagrams before others have their turn, and answers that a client does not take wait in a queue
+// of its own. While that queue is long, no more of the client's requests are read, so that it is
+// the client that waits. A queue that would grow past all bounds ends its connection.
 #pragma once
 
 #include <cstdint>

@@ -17,7 +17,7 @@ uint32_t take_table(const Request &request, const Model &model, OfpInstTbl &key)
     if (!model.instance(key.instance_id)) {
         return NO_INSTANCE;
     }
-    return model.table(key.instance_id, key.table_id) ? 0 : uint32_t{NO_TABLE};
+    return model.table(key.instance_id, key.table_id) ? 0 : NO_TABLE;
 }
 
 uint32_t kibibytes(size_t bytes)
@@ -117,7 +117,7 @@ uint32_t cache_info(const Request &request, Reply &, Model &)
 {
     OfpCacheInfo key;
     const uint32_t code = take_only(request, OFP_TLV_CacheInfo, key);
-    return code ? code : uint32_t{NOT_PRESENT}; // no packets, hence no cache of them
+    return code ? code : NOT_PRESENT; // no packets, hence no cache of them
 }
 
 } // namespace agent
