@@ -163,7 +163,8 @@ TEST(DamagedDatagrams, WithAnyByteChangedLeaveTheModelWhole)
     fill(model);
     for (const Datagram &request : requests()) {
         for (size_t at = 0; at < request.size(); ++at) {
-            for (const uint8_t change : {0x01, 0x80, 0xff, 0x04, 0x7f}) {
+            for (const uint8_t change :
+                 std::initializer_list<uint8_t>{0x01, 0x80, 0xff, 0x04, 0x7f}) {
                 Datagram damaged = request;
                 damaged[at] = static_cast<uint8_t>(damaged[at] ^ change);
                 expect_sane(model, damaged);
