@@ -118,8 +118,19 @@ std::optional<Error> check_action(const Action &action)
     return bad_action(OFPBAC_BAD_TYPE);
 }
 
+std::optional<Error> check_size(const Instruction &instruction, size_t expected)
+{
+    if (instruction.bytes.size() != expected) {
+        return bad_instruction(OFPBIC_BAD_LEN);
+    }
+    return {};
+}
+
 std::optional<Error> check_goto(const Instruction &instruction, uint8_t table_id)
 {
+    if (instruction.bytes.size() != INSTRUCTION_SIZE) {
+        return bad_instruction(OFPBIC_BAD_LEN);
+    }
     const uint8_t next = instruction.bytes[4];
     const bool forward = next > table_id && next <= OFPTT_MAX;
     return forward ? std::nullopt : bad_instruction(OFPBIC_BAD_TABLE_ID);
@@ -127,23 +138,16 @@ std::optional<Error> check_goto(const Instruction &instruction, uint8_t table_id
 
 std::optional<Error> check_instruction(const Instruction &instruction, uint8_t table_id)
 {
-    const size_t size = instruction.bytes.size();
-    const auto sized = [size](size_t expected) {
-        return size == expected ? std::nullopt : bad_instruction(OFPBIC_BAD_LEN);
-    };
     switch (instruction.type) {
     case OFPIT_GOTO_TABLE:
-        if (auto error = sized(8)) {
-            return error;
-        }
         return check_goto(instruction, table_id);
     case OFPIT_WRITE_METADATA:
-        return sized(24);
+        return check_size(instruction, 24);
     case OFPIT_WRITE_ACTIONS:
     case OFPIT_APPLY_ACTIONS:
         return check_actions(actions_of(instruction));
     case OFPIT_CLEAR_ACTIONS:
-        return sized(8);
+        return check_size(instruction, 8);
     case OFPIT_METER: // no meter can be made, so none exists
         return bad_instruction(OFPBIC_UNSUP_INST);
     case OFPIT_EXPERIMENTER:
@@ -179,8 +183,10 @@ std::optional<Error> check_bucket(const Bucket &bucket, uint8_t group_type)
         return bad_group(OFPGMFC_BAD_WATCH);
     }
     // Without something to watch, failover could not tell when to leave the bucket.
-    const bool watched = !any_port || bucket.watch_group != OFPG_ANY;
-    return group_type != OFPGT_FF || watched ? std::nullopt : bad_group(OFPGMFC_INVALID_GROUP);
+    if (group_type == OFPGT_FF && any_port && bucket.watch_group == OFPG_ANY) {
+        return bad_group(OFPGMFC_INVALID_GROUP);
+    }
+    return {};
 }
 
 } // namespace
