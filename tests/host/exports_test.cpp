@@ -1,7 +1,5 @@
 /* The shared libraries export what the headers declare and nothing else. */
-#include <array>
 #include <cstdio>
-#include <regex>
 #include <set>
 #include <string>
 
@@ -30,16 +28,24 @@ Names exported(const std::string &library)
     return names;
 }
 
-/* Functions declared in a header: a name before a parenthesis outside comments and macros. */
+/* Cuts every part that begins and ends with these out of the text. */
+void cut(std::string &text, const std::string &begin, const std::string &end)
+{
+    for (size_t at = 0; (at = text.find(begin, at)) != std::string::npos;) {
+        text.erase(at, text.find(end, at) + end.size() - at);
+    }
+}
+
+/* Functions declared in a header: the names before a parenthesis. */
 Names declared(const std::string &header)
 {
     std::string text = read_file(std::string(PLATFORM_HEADERS "/") + header);
-    text = std::regex_replace(text, std::regex(R"(/\*[^*]*\*+(?:[^/*][^*]*\*+)*/)"), "");
-    text = std::regex_replace(text, std::regex(R"(#[^\n]*)"), "");
+    cut(text, "/*", "*/");
+    cut(text, "#", "\n");
     Names names;
-    std::regex call(R"(\b([A-Za-z_]\w*)\s*\()");
-    for (std::sregex_iterator at(text.begin(), text.end(), call), end; at != end; ++at) {
-        names.insert((*at)[1]);
+    for (size_t at = 0; (at = text.find('(', at + 1)) != std::string::npos;) {
+        size_t before = text.find_last_of(" *\n", at);
+        names.insert(text.substr(before + 1, at - before - 1));
     }
     return names;
 }
