@@ -43,6 +43,7 @@ void write_flow_mod(uint8_t table, const RuleView &rule, uint8_t *out)
     message.buffer_id = openflow::OFP_NO_BUFFER;
     message.out_port = openflow::OFPP_ANY;
     message.out_group = openflow::OFPG_ANY;
+    message.flags = rule.flags;
     OFP_bswap_OfpFlowMod(&message);
     out = put(out, &message, sizeof message);
     out = put(out, rule.match.data(), rule.match.size());
