@@ -1,7 +1,7 @@
 /* The described switch, read from TOML. What the file leaves out is as without a file. */
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
+#include <charconv>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -146,18 +146,28 @@ toml::table parse(const std::string &file)
     }
 }
 
+/* Six pairs of hexadecimal digits with colons between them. */
+bool parse_mac(std::string_view text, uint8_t (&mac)[6])
+{
+    if (text.size() != 17) {
+        return false;
+    }
+    for (size_t i = 0; i < sizeof mac; ++i) {
+        const char *pair = text.data() + i * 3;
+        if (std::from_chars(pair, pair + 2, mac[i], 16).ptr != pair + 2 ||
+            (i < 5 && pair[2] != ':')) {
+            return false;
+        }
+    }
+    return true;
+}
+
 void read_mac(Section &section, uint8_t (&mac)[6])
 {
     constexpr const char *key = "bridge_mac";
-    if (const std::string *text = section.text(key)) {
-        int end = 0;
-        unsigned byte[6];
-        if (sscanf(text->c_str(), "%2x:%2x:%2x:%2x:%2x:%2x%n", &byte[0], &byte[1], &byte[2],
-                   &byte[3], &byte[4], &byte[5], &end) != 6 ||
-            end != 17 || text->size() != 17) {
-            section.wrong(key, "expected six pairs of hexadecimal digits, as 02:00:00:00:00:01");
-        }
-        std::ranges::transform(byte, mac, [](unsigned b) { return static_cast<uint8_t>(b); });
+    const std::string *text = section.text(key);
+    if (text != nullptr && !parse_mac(*text, mac)) {
+        section.wrong(key, "expected six pairs of hexadecimal digits, as 02:00:00:00:00:01");
     }
 }
 
@@ -271,12 +281,15 @@ void read_interface(Section section, Reader &reader)
     section.require("index");
     section.require("name");
     section.number("index", first.index, 1, INT32_MAX);
-    section.number("count", count, 1, most_interfaces - reader.d.interfaces.size());
+    section.number("count", count, 1, most_interfaces);
     section.number("type", first.type, 0, UINT32_MAX);
     section.number("node", first.node, 0, no_node - 1);
     section.boolean("up", up);
     const std::string name = *section.text("name");
     section.finish();
+    if (count > most_interfaces - reader.d.interfaces.size()) {
+        section.wrong("index", "more than " + std::to_string(most_interfaces) + " interfaces");
+    }
     check_name(section, name, count);
     check_node(section, reader.d, "node", first.node);
     first.up = up;
