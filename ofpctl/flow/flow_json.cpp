@@ -1,7 +1,6 @@
 #include "flow/flow_json.h"
 
 #include <algorithm>
-#include <array>
 #include <deque>
 
 #include <fmt/format.h>
@@ -180,9 +179,6 @@ bool ObjectReader::read_actions(const JsonMember &actions)
     return true;
 }
 
-// What a listing says of a rule's life; skipped, so that a listing can be loaded.
-constexpr auto counters = std::to_array<std::string_view>({"id", "packets", "bytes", "age"});
-
 bool ObjectReader::read_member(const JsonMember &member)
 {
     if (member.name == "match")
@@ -194,8 +190,6 @@ bool ObjectReader::read_member(const JsonMember &member)
         OptionText option;
         return option_text(member, option) && at(member, rule_.read(option));
     }
-    if (std::find(counters.begin(), counters.end(), member.name) != counters.end())
-        return true;
     Nearest nearest(member.name);
     for (const std::string_view name : {"table", "priority", "match", "actions"})
         nearest.offer(name);
@@ -337,13 +331,12 @@ private:
     uint32_t line_;
 };
 
-// The rules of a document: its member "flows", or all of it.
-const JsonValue &rule_list(const JsonValue &root)
+// The member of that name, or the value itself.
+const JsonValue &inner(const JsonValue &value, std::string_view name)
 {
-    const auto flows =
-        std::find_if(root.members.begin(), root.members.end(),
-                     [](const JsonMember &member) { return member.name == "flows"; });
-    return flows == root.members.end() ? root : flows->value;
+    const auto member = std::find_if(value.members.begin(), value.members.end(),
+                                     [name](const JsonMember &m) { return m.name == name; });
+    return member == value.members.end() ? value : member->value;
 }
 
 std::size_t first_place(std::string_view text)
@@ -378,12 +371,12 @@ std::vector<TextError> parse_flows_json(std::string_view document, ParseMode mod
     LineCounter lines(document, first_line);
     const auto add = [&](const JsonValue &object, std::size_t offset) {
         const auto place = document.substr(offset, 1);
-        if (ObjectReader(document, draft, problem).read(object, place, mode))
+        if (ObjectReader(document, draft, problem).read(inner(object, "rule"), place, mode))
             flows.add(draft.make(), lines.line_of(offset));
         else
             errors.push_back(to_error(document, std::move(problem)));
     };
-    const JsonValue &list = rule_list(root);
+    const JsonValue &list = inner(root, "rules");
     if (list.kind != Kind::array)
         add(list, first_place(document));
     for (const JsonMember &element : list.members) {

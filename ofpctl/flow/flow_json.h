@@ -17,7 +17,8 @@ namespace ofpctl {
 // One object.
 FlowResult parse_flow_json(std::string_view object, ParseMode mode);
 
-// A document: one rule, an array of rules, or an object with an array "flows". Appends the rules;
+// A document: one rule, an array of rules, or an object with an array "rules" as every listing is;
+// an element may be {"rule": {...}} with other members beside it. Appends the rules;
 // at most the given number of errors, each with its place in the document as column. The document
 // begins on first_line of its file; 0: it is from none.
 std::vector<TextError> parse_flows_json(std::string_view document, ParseMode mode,

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "flow/flow_draft.h"
+#include "flow/flow_json.h"
 #include "flow/line_parser.h"
 
 namespace ofpctl {
@@ -43,6 +44,16 @@ std::optional<TextError> FlowSet::add_text(std::string_view line, ParseMode mode
         return to_error(line, std::move(problem));
     auto *tail = static_cast<std::byte *>(arena_->allocate(draft_->tail_size(), 8));
     draft_->place(append(source_line), tail);
+    return std::nullopt;
+}
+
+std::optional<TextError> FlowSet::add_json(std::string_view object, ParseMode mode,
+                                           uint32_t source_line)
+{
+    FlowResult result = parse_flow_json(object, mode);
+    if (auto *error = std::get_if<TextError>(&result))
+        return std::move(*error);
+    add(std::move(std::get<Flow>(result).item), source_line);
     return std::nullopt;
 }
 

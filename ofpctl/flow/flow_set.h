@@ -29,6 +29,8 @@ public:
     // Parses one rule and appends it; on an error nothing is appended.
     std::optional<TextError> add_text(std::string_view line, ParseMode mode,
                                       uint32_t source_line = 0);
+    std::optional<TextError> add_json(std::string_view object, ParseMode mode,
+                                      uint32_t source_line = 0);
     void add(FlowItemPtr item, uint32_t source_line = 0);
 
     std::span<const OfpFlowItem> items() const { return {items_.get(), lines_.size()}; }
