@@ -249,12 +249,24 @@ bool parse_any_experimenter(std::string_view name, std::string_view text, FlowDr
     if (!parse_number("an experimenter type", name.substr(4, name.size() - 5), last_type, type,
                       problem))
         return false;
+    if (type >= OFP_FIELD_IP_RANGE && type <= OFP_FIELD_CVLAN_VID)
+        return problem.report(name, fmt::format("{} travels as a private field", name),
+                              "write ip_range, batch_if, vrf, fragment, priv_out_port or cvlan");
     Bytes data;
     if (!parse_hex_data(find_row(static_cast<uint32_t>(type)), static_cast<uint32_t>(type), text,
                         data, problem))
         return false;
     draft.add_experimenter(static_cast<uint32_t>(type), data);
     return true;
+}
+
+void add_wire_experimenter(uint32_t type, std::span<const uint8_t> data, FlowDraft &draft)
+{
+    const Row *row = find_row(type);
+    Bytes turned(data.begin(), data.end());
+    if (row != nullptr && turned.size() >= data_size(row->data))
+        swap_data(row->data, turned.data());
+    draft.add_experimenter(type, turned);
 }
 
 void append_experimenter_name(std::string &out, const OfpExpMatchItem &item)

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,9 @@ bool parse_experimenter(std::string_view name, uint8_t type, std::string_view te
 // exp(type)=text, where name is "exp(type)" and text the data as it travels, in hexadecimal.
 bool parse_any_experimenter(std::string_view name, std::string_view text, FlowDraft &draft,
                             Problem &problem);
+
+// The same from data as it travels.
+void add_wire_experimenter(uint32_t type, std::span<const uint8_t> data, FlowDraft &draft);
 
 // The name that item has as text, and the value that follows it.
 void append_experimenter_name(std::string &out, const OfpExpMatchItem &item);

@@ -61,6 +61,9 @@ constexpr uint64_t field_bit(unsigned bit) { return uint64_t{1} << bit; }
 constexpr uint64_t ipv6_field_bits =
     uint64_t{0xff} << OFP_FIELD_IPV6_SRC | field_bit(OFP_FIELD_IPV6_EXTHDR);
 
+// On the wire a VLAN id carries this bit: there is a tag.
+constexpr uint64_t vlan_present = 0x1000;
+
 // A VLAN id with a mask of no bits still says that there is a tag; in other fields such a mask
 // leaves nothing to match.
 inline bool is_vlan(const Field &field) { return field.form == Form::vlan; }

@@ -11,7 +11,6 @@
 namespace ofpctl {
 namespace {
 
-constexpr uint64_t tag_present = 0x1000;
 constexpr uint64_t vlan_bits = 0x0fff;
 
 struct SharedRow {
@@ -150,8 +149,8 @@ bool MatchReader::read_vlan_number(const Field &field, const OptionText &option)
     if (value.mask && value.mask != ones(field.width))
         return problem_.report(option.value, fmt::format("{} takes no mask", option.name),
                                fmt::format("write {}=0x{:x}/0x{:x}", field.name,
-                                           value.value.low | tag_present,
-                                           value.mask.low | tag_present));
+                                           value.value.low | vlan_present,
+                                           value.mask.low | vlan_present));
     return put(field, option, value);
 }
 
@@ -169,12 +168,12 @@ bool MatchReader::put_vlan(const Field &field, const OptionText &option, const M
         return put(field, option, value);
     const uint64_t vid = value.value.low & vlan_bits;
     const uint64_t mask = value.mask.low & vlan_bits;
-    if ((value.value.low & value.mask.low & tag_present) == 0)
+    if ((value.value.low & value.mask.low & vlan_present) == 0)
         return problem_.report(
             option.value, "without the present bit 0x1000 this matches packets without a tag",
-            mask == vlan_bits ? fmt::format("write {}=0x{:x}", field.name, vid | tag_present)
-                              : fmt::format("write {}=0x{:x}/0x{:x}", field.name, vid | tag_present,
-                                            mask | tag_present));
+            mask == vlan_bits ? fmt::format("write {}=0x{:x}", field.name, vid | vlan_present)
+                              : fmt::format("write {}=0x{:x}/0x{:x}", field.name,
+                                            vid | vlan_present, mask | vlan_present));
     return set(field, option, {{0, vid & mask}, {0, mask}});
 }
 
@@ -351,11 +350,11 @@ std::span<const uint32_t> interfaces_of(const OfpFRMatch &match)
 void append_vlan_vid(std::string &out, const OfpFRMatch &match, const Field &field)
 {
     const uint64_t mask = effective_mask(match, field).low;
-    append_hex(out, effective_value(match, field).low | tag_present);
+    append_hex(out, effective_value(match, field).low | vlan_present);
     if (mask == vlan_bits)
         return;
     out += '/';
-    append_hex(out, mask | tag_present);
+    append_hex(out, mask | vlan_present);
 }
 
 // dl_vlan_pcp alone says that there is a tag.
