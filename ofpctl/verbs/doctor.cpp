@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "flow/flow_text.h"
 #include "frame/context.h"
 #include "frame/help.h"
 #include "frame/patience.h"
@@ -25,6 +26,7 @@ namespace {
 
 constexpr std::size_t path_room = 4096;
 constexpr int version_patience = 5; // seconds
+constexpr uint16_t first_client = 4096;
 
 struct Finding {
     std::string_view subject;
@@ -157,9 +159,10 @@ Finding answer()
             subject, fmt::format("no connection: {}", result_sentence(static_cast<uint32_t>(code))),
             "ofpctl agent stop, then ofpctl agent start");
     OFP_plgn_Close(channel);
-    uint16_t first = 0;
+    // Any answer will do, a refusal too.
+    OfpTableInfo table{};
     forget_waits();
-    OFP_get_NextInstance(0, &first);
+    OFP_get_TableInfo(first_client, flow_table, &table);
     if (last_wait() != Wait::answered)
         return problem(subject, "the agent takes connections and answers nothing",
                        "its log may say why; ofpctl agent stop, then ofpctl agent start");
@@ -202,7 +205,7 @@ void agent_doctor(Context &context)
     std::size_t problems = 0;
     for (const auto check : checks) {
         findings.push_back(check());
-        problems += findings.back().well ? 0 : 1;
+        problems += findings.back().well ? 0U : 1U;
     }
     if (context.out.json())
         print_json(context.out.document(), findings);

@@ -22,11 +22,12 @@ uint16_t client_of(const Context &context)
 
 void print_text(Output &out, const StoredRule &rule, bool counters)
 {
-    std::string line = format_flow(*rule.item);
+    // Counters stand in front, as where the text comes from; reading skips them.
+    std::string line;
     if (counters)
-        line += fmt::format(" # id={}, packets={}, bytes={}, age={}s", rule.id,
-                            rule.counters.packet_count, rule.counters.byte_count,
-                            rule.counters.duration_sec);
+        line = fmt::format("duration={}s, n_packets={}, n_bytes={}, ", rule.counters.duration_sec,
+                           rule.counters.packet_count, rule.counters.byte_count);
+    append_flow(line, *rule.item);
     out.line(line);
 }
 

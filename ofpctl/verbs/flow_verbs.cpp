@@ -23,7 +23,7 @@ constexpr OptionRow delete_options[] = {
     dry_run_option,
 };
 constexpr OptionRow show_options[] = {
-    {.name = "stats", .letter = 's', .help = "with rule id, packets, bytes and age, as a comment"},
+    {.name = "stats", .letter = 's', .help = "with age, packets and bytes of each rule"},
     client_option,
 };
 constexpr OptionRow client_options[] = {client_option};

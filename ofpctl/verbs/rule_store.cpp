@@ -2,6 +2,9 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
+#include <utility>
+#include <variant>
 
 #include <fmt/format.h>
 
@@ -90,8 +93,10 @@ private:
         require_success(code, name(id));
         const RuleReply reply = read_reply(std::span(buffer_).first(length));
         FlowDecodeResult decoded = decode_flow_mod(reply.flow_mod);
+        if (const auto *wrong = std::get_if<std::string>(&decoded))
+            throw Failure{.message = fmt::format("{}: the agent's answer: {}", name(id), *wrong)};
         id_ = id;
-        rule = {.id = id, .counters = reply.counters};
+        rule = {id, std::move(std::get<Flow>(decoded).item), reply.counters};
         return true;
     }
 
