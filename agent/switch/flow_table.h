@@ -26,6 +26,7 @@ struct Programming {
     bool check_overlap = false;
     std::span<const uint8_t> match;
     std::span<const uint8_t> instructions;
+    uint8_t flags = 0;
 };
 
 // Which of the rules that a match names a modify or delete means.
