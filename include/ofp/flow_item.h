@@ -123,8 +123,12 @@ typedef struct OfpExpMatchItem {
     uint32_t type;
     uint16_t length;
     uint16_t reserved;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic" /* C has this array, C++ as an extension */
     uint8_t data[];
+#pragma GCC diagnostic pop
 } OfpExpMatchItem;
+OFP_PIN_SIZE(OfpExpMatchItem, 8);
 
 typedef struct OfpExpMatchList {
     uint32_t count;
