@@ -16,6 +16,8 @@ using Ipv6 = OfpMatchIpv6;
 inline constexpr uint32_t oxm_basic = 0x8000;
 inline constexpr uint32_t oxm_experimenter = 0xffff;
 inline constexpr uint32_t oxm_header_size = 4;
+inline constexpr uint32_t oxm_chunk = 62; // batch interfaces in one OXM
+inline constexpr uint64_t oxm_assigned = 0xfc0000ff'ffffffff; // field bits 0 to 39 and 58 to 63
 inline constexpr uint32_t experimenter_id = 0x00000fe2;
 
 // Bytes of a value, by field bit. pbb_isid travels in 4 bytes, not in the standard's 3.

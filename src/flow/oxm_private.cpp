@@ -32,9 +32,11 @@ OFP_API uint64_t OFP_encodeoxm_PrivBatchIf(const Match *match, uint64_t, uint8_t
     if (!has_bit(match->fields, OFP_FIELD_BATCH_IF) || list.if_index == nullptr)
         return 0;
     uint64_t used = 0;
-    for (uint32_t done = 0; done < list.count; done += oxm_chunk)
-        used += put_chunk(list.if_index + done, std::min(list.count - done, oxm_chunk),
-                          match->mask->masked, out + used);
+    for (uint64_t done = 0; done < list.count; done += oxm_chunk) {
+        const uint64_t count = std::min<uint64_t>(list.count - done, oxm_chunk);
+        used += put_chunk(list.if_index + done, static_cast<uint32_t>(count), match->mask->masked,
+                          out + used);
+    }
     return used;
 }
 

@@ -2,31 +2,21 @@
 #ifndef OFP_FLOW_PUT_H
 #define OFP_FLOW_PUT_H
 
-#include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
+#include "wire/swap_members.h"
+
 namespace ofp {
 
-template <std::unsigned_integral T>
-constexpr T network_order(T value)
-{
-    if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1)
-        return value;
-    else if constexpr (sizeof(T) == 2)
-        return __builtin_bswap16(value);
-    else if constexpr (sizeof(T) == 4)
-        return __builtin_bswap32(value);
-    else
-        return __builtin_bswap64(value);
-}
+constexpr uint8_t swapped(uint8_t number) { return number; }
 
 template <std::unsigned_integral T>
 inline void put(uint8_t *out, T value)
 {
-    value = network_order(value);
+    value = swapped(value);
     std::memcpy(out, &value, sizeof value);
 }
 
@@ -43,13 +33,20 @@ inline void put(uint8_t *out, const uint32_t (&words)[N])
         put(out + i * sizeof words[0], words[i]);
 }
 
-// A number in network order at any address.
+// A number that a caller's record holds in host order, at any address.
 template <std::unsigned_integral T>
-inline T get(const uint8_t *in)
+inline T load(const uint8_t *in)
 {
     T value;
     std::memcpy(&value, in, sizeof value);
-    return network_order(value);
+    return value;
+}
+
+// Reading it.
+template <std::unsigned_integral T>
+inline T get(const uint8_t *in)
+{
+    return swapped(load<T>(in));
 }
 
 } // namespace ofp
