@@ -79,8 +79,8 @@ OFP_API uint16_t OFP_util_FindSubModuleNameFlag(const char *text);
 typedef struct OfpInstFilter {
     uint16_t instance_id;
     uint16_t filter_kind; /* 0 to 5 */
-    union {
-        struct {
+    __extension__ union {
+        __extension__ struct {
             uint16_t param_a; /* kinds 1 and 4 */
             uint16_t param_b;
         };
