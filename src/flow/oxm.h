@@ -16,16 +16,16 @@ using Ipv6 = OfpMatchIpv6;
 inline constexpr uint32_t oxm_basic = 0x8000;
 inline constexpr uint32_t oxm_experimenter = 0xffff;
 inline constexpr uint32_t oxm_header_size = 4;
-inline constexpr uint32_t oxm_chunk = 62; // batch interfaces in one OXM
+inline constexpr uint32_t oxm_chunk = 62;                     // batch interfaces in one OXM
 inline constexpr uint64_t oxm_assigned = 0xfc0000ff'ffffffff; // field bits 0 to 39 and 58 to 63
 inline constexpr uint32_t experimenter_id = 0x00000fe2;
 
 // Bytes of a value, by field bit. pbb_isid travels in 4 bytes, not in the standard's 3.
 inline constexpr uint8_t oxm_payload[64] = {
-    4, 4, 8,  6, 6, 2, 2, 1,  1,  1, 1, 4, 4,  2, 2, 2, // 0 to 15
-    2, 2, 2,  1, 1, 2, 4, 4,  6,  6, 16, 16, 4, 1, 1, 16,
-    6, 6, 4,  1, 1, 4, 8, 2,  0,  0, 0, 0, 0,  0, 0, 0, // 32 to 47
-    0, 0, 0,  0, 0, 0, 0, 0,  0,  0, 80, 0, 2, 1, 4, 2,
+    4, 4, 8, 6, 6, 2, 2, 1, 1, 1, 1,  4,  4, 2, 2, 2, // 0 to 15
+    2, 2, 2, 1, 1, 2, 4, 4, 6, 6, 16, 16, 4, 1, 1, 16,
+    6, 6, 4, 1, 1, 4, 8, 2, 0, 0, 0,  0,  0, 0, 0, 0, // 32 to 47
+    0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 80, 0,  2, 1, 4, 2,
 };
 
 constexpr bool has_bit(uint64_t bits, unsigned bit) { return bits >> bit & 1; }

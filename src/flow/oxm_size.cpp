@@ -63,8 +63,8 @@ constexpr FieldSizes counted = counted_sizes();
 constexpr FieldSizes written = written_sizes();
 
 // Bits of basic fields that have no mask.
-constexpr uint64_t maskless = 1ull << 0 | 1ull << 1 | 1ull << 5 | 0xfull << 7 | 7ull << 19 |
-                              0xffull << 29;
+constexpr uint64_t maskless =
+    1ull << 0 | 1ull << 1 | 1ull << 5 | 0xfull << 7 | 7ull << 19 | 0xffull << 29;
 
 uint64_t masked_bits(const OfpFRMatch &match)
 {

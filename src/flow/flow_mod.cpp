@@ -1,0 +1,110 @@
+#include <cstring>
+
+#include "flow/action.h"
+#include "flow/exact_size.h"
+#include "flow/openflow.h"
+#include "flow/put.h"
+#include "ofp/codec.h"
+#include "ofp/flow.h"
+#include "ofp/message.h"
+#include "ofp/platform.h"
+#include "ofp/util.h"
+
+namespace ofp {
+namespace {
+
+constexpr uint16_t write_actions = 3;
+
+// The part before the match. Cookies, time-outs and flags are the same for every rule.
+void put_fixed_part(const OfpFlowRuleCtx &ctx, OfpOpenflowHeader header, uint16_t priority,
+                    uint8_t *out)
+{
+    const OfpFlowMod mod = {
+        .header = header,
+        .table_id = ctx.table_id,
+        .command = static_cast<uint8_t>(ctx.command),
+        .priority = swapped(priority),
+        .buffer_id = 0xffffffff,
+        .out_port = 0xffffffff,
+        .out_group = 0xffffffff,
+        .flags = swapped(uint16_t{0x001e}), // check overlap, reset counts, count neither
+    };
+    std::memcpy(out, &mod, sizeof mod);
+}
+
+// The one instruction of a rule, also of a rule without actions.
+uint64_t put_instruction(const OfpFlowItem &item, uint8_t *out)
+{
+    uint64_t length = instruction_header_size;
+    for (uint32_t i = 0; i < item.action_count; ++i)
+        length += put_action(*item.actions[i], out + length);
+    put(out, write_actions);
+    put(out + 2, static_cast<uint16_t>(length));
+    put(out + 4, uint32_t{0});
+    return length;
+}
+
+// Written in place, lengths last.
+uint64_t put_flow_mod(const OfpFlowRuleCtx &ctx, uint32_t xid, const OfpFlowItem &item,
+                      uint64_t room, uint8_t *out)
+{
+    uint8_t *mod = out + tlv_header_size;
+    uint64_t length = sizeof(OfpFlowMod);
+    length += OFP_encodeoxm_Fill(&item.match, room - tlv_header_size - length, mod + length);
+    length += put_instruction(item, mod + length);
+    put_fixed_part(ctx, openflow_header(OFPT_FLOW_MOD, length, xid), item.priority, mod);
+    return STLV_Set(out, static_cast<uint32_t>(room), OFP_TLV_FlowEntry,
+                    static_cast<uint32_t>(length), nullptr);
+}
+
+} // namespace
+} // namespace ofp
+
+using namespace ofp;
+
+OFP_API uint64_t OFP_encode_FlowRule(const OfpFlowRuleCtx *ctx, const uint8_t head[16],
+                                     uint32_t count, const OfpFlowItem *items, uint64_t room,
+                                     uint8_t *buffer)
+{
+    uint64_t used = OFP_msg_SetMsgHead(buffer, room, OFP_MSG_FLOW_RULE);
+    used += OFP_msg_SetTlvData(buffer + used, room - used, OFP_TLV_ClientHead,
+                               sizeof(OfpClientHead), head);
+    for (uint32_t i = 0; i < count; ++i) {
+        const uint32_t xid = ctx->asynchronous == 1 ? ctx->xid : i;
+        used += put_flow_mod(*ctx, xid, items[i], room - used, buffer + used);
+        used += OFP_encode_TlvBarrier(xid, room - used, buffer + used);
+    }
+    return used;
+}
+
+OFP_API uint64_t OFP_encode_GetRuleMsgLen(uint32_t count, const OfpFlowItem *items)
+{
+    uint64_t size = batch_head_size;
+    for (uint32_t i = 0; i < count; ++i) {
+        const OfpFlowItem &item = items[i];
+        size += tlv_header_size + sizeof(OfpFlowMod) + OFP_encodeoxm_GetOxmLen(&item.match) +
+                instruction_header_size + barrier_tlv_size;
+        for (uint32_t k = 0; k < item.action_count; ++k)
+            size += counted_action_size(*item.actions[k]);
+    }
+    return size;
+}
+
+OFP_API uint64_t OFP_encode_TlvBarrier(uint32_t xid, uint64_t room, uint8_t *buffer)
+{
+    const OfpOpenflowHeader barrier =
+        openflow_header(OFPT_BARRIER_REQUEST, sizeof(OfpOpenflowHeader), xid);
+    return OFP_msg_SetTlvData(buffer, room, OFP_TLV_FlowEntry, sizeof barrier, &barrier);
+}
+
+OFP_API uint64_t OFP_encode_Instance(uint16_t instance_id, uint8_t count, const uint8_t *tables,
+                                     uint64_t room, uint8_t *buffer)
+{
+    const OfpInstFilter filter = {.instance_id = instance_id, .filter_kind = 2};
+    uint64_t used = OFP_msg_SetMsgHead(buffer, room, OFP_MSG_ADD_INSTANCE);
+    used += OFP_util_EncapInstFilterTLV(&filter, room - used, buffer + used);
+    for (uint32_t i = 0; i < count; ++i)
+        used += OFP_msg_SetTlvData(buffer + used, room - used, OFP_TLV_FlowTable,
+                                   sizeof(OfpFlowTable), tables + i * sizeof(OfpFlowTable));
+    return used;
+}
