@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "flow/action.h"
@@ -15,21 +17,30 @@ namespace {
 
 constexpr uint16_t write_actions = 3;
 
-// The part before the match. Cookies, time-outs and flags are the same for every rule.
-void put_fixed_part(const OfpFlowRuleCtx &ctx, OfpOpenflowHeader header, uint16_t priority,
+// Puts the TLV header before a message that stands after it already.
+uint64_t frame(uint64_t length, uint64_t room, uint8_t *out)
+{
+    return STLV_Set(out, static_cast<uint32_t>(std::min<uint64_t>(room, UINT32_MAX)),
+                    OFP_TLV_FlowEntry, static_cast<uint32_t>(length), nullptr);
+}
+
+// The part before the match, in network order. Cookies, time-outs and flags are the same for every
+// rule.
+constexpr OfpFlowMod every_rule = {
+    .buffer_id = 0xffffffff,
+    .out_port = 0xffffffff,
+    .out_group = 0xffffffff,
+    .flags = swapped(uint16_t{0x001e}), // check overlap, reset counts, count neither
+};
+
+void put_fixed_part(const OfpFlowRuleCtx &ctx, uint32_t xid, uint16_t priority, uint64_t length,
                     uint8_t *out)
 {
-    const OfpFlowMod mod = {
-        .header = header,
-        .table_id = ctx.table_id,
-        .command = static_cast<uint8_t>(ctx.command),
-        .priority = swapped(priority),
-        .buffer_id = 0xffffffff,
-        .out_port = 0xffffffff,
-        .out_group = 0xffffffff,
-        .flags = swapped(uint16_t{0x001e}), // check overlap, reset counts, count neither
-    };
-    std::memcpy(out, &mod, sizeof mod);
+    std::memcpy(out, &every_rule, sizeof every_rule);
+    put_openflow_header(OFPT_FLOW_MOD, length, xid, out);
+    out[offsetof(OfpFlowMod, table_id)] = ctx.table_id;
+    out[offsetof(OfpFlowMod, command)] = static_cast<uint8_t>(ctx.command);
+    put(out + offsetof(OfpFlowMod, priority), priority);
 }
 
 // The one instruction of a rule, also of a rule without actions.
@@ -52,9 +63,8 @@ uint64_t put_flow_mod(const OfpFlowRuleCtx &ctx, uint32_t xid, const OfpFlowItem
     uint64_t length = sizeof(OfpFlowMod);
     length += OFP_encodeoxm_Fill(&item.match, room - tlv_header_size - length, mod + length);
     length += put_instruction(item, mod + length);
-    put_fixed_part(ctx, openflow_header(OFPT_FLOW_MOD, length, xid), item.priority, mod);
-    return STLV_Set(out, static_cast<uint32_t>(room), OFP_TLV_FlowEntry,
-                    static_cast<uint32_t>(length), nullptr);
+    put_fixed_part(ctx, xid, item.priority, length, mod);
+    return frame(length, room, out);
 }
 
 } // namespace
@@ -92,9 +102,9 @@ OFP_API uint64_t OFP_encode_GetRuleMsgLen(uint32_t count, const OfpFlowItem *ite
 
 OFP_API uint64_t OFP_encode_TlvBarrier(uint32_t xid, uint64_t room, uint8_t *buffer)
 {
-    const OfpOpenflowHeader barrier =
-        openflow_header(OFPT_BARRIER_REQUEST, sizeof(OfpOpenflowHeader), xid);
-    return OFP_msg_SetTlvData(buffer, room, OFP_TLV_FlowEntry, sizeof barrier, &barrier);
+    constexpr uint64_t length = sizeof(OfpOpenflowHeader);
+    put_openflow_header(OFPT_BARRIER_REQUEST, length, xid, buffer + tlv_header_size);
+    return frame(length, room, buffer);
 }
 
 OFP_API uint64_t OFP_encode_Instance(uint16_t instance_id, uint8_t count, const uint8_t *tables,

@@ -64,14 +64,15 @@ OFP_API uint64_t ofp_encode_GroupMod(const uint8_t group[16], uint32_t count, co
     std::memcpy(&mod, group, sizeof mod);
     const uint32_t buckets = mod.command == group_delete ? 0 : count;
     const uint64_t length = sizeof mod + uint64_t{buckets} * bucket_size;
-    mod.header = openflow_header(OFPT_GROUP_MOD, length, 0);
     OFP_bswap_OfpGroupMod(&mod);
 
     put(out, uint16_t{OFP_TLV_FlowEntry});
     put(out + 2, static_cast<uint16_t>(tlv_header_size + length));
-    std::memcpy(out + tlv_header_size, &mod, sizeof mod);
-    uint8_t *bucket = out + tlv_header_size + sizeof mod;
+    out += tlv_header_size;
+    std::memcpy(out, &mod, sizeof mod);
+    put_openflow_header(OFPT_GROUP_MOD, length, 0, out);
+    out += sizeof mod;
     for (uint32_t i = 0; i < buckets; ++i)
-        put_bucket(ports[i], bucket + uint64_t{i} * bucket_size);
+        put_bucket(ports[i], out + uint64_t{i} * bucket_size);
     return tlv_header_size + length;
 }

@@ -1,9 +1,9 @@
-// What the library speaks of OpenFlow 1.3. Message headers are in network order.
+// What the library speaks of OpenFlow 1.3.
 #ifndef OFP_FLOW_OPENFLOW_H
 #define OFP_FLOW_OPENFLOW_H
 
+#include "flow/put.h"
 #include "ofp/wire_flow.h"
-#include "wire/swap_members.h"
 
 namespace ofp {
 
@@ -17,12 +17,10 @@ enum OpenflowType : uint8_t {
     OFPT_BARRIER_REPLY = 21,
 };
 
-constexpr OfpOpenflowHeader openflow_header(OpenflowType type, uint64_t length, uint32_t xid)
+inline void put_openflow_header(OpenflowType type, uint64_t length, uint32_t xid, uint8_t *out)
 {
-    return {.version = openflow_version,
-            .type = type,
-            .length = swapped(static_cast<uint16_t>(length)),
-            .xid = swapped(xid)};
+    put(out,
+        uint64_t{openflow_version} << 56 | uint64_t{type} << 48 | (length & 0xffff) << 32 | xid);
 }
 
 } // namespace ofp

@@ -1,159 +1,204 @@
-#include "flow/oxm.h"
+#include "flow/oxm_fields.h"
 #include "ofp/flow.h"
 
 using namespace ofp;
 
-OFP_API uint64_t OFP_encodeoxm_InPort(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_InPort(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<0, &Match::in_port>(match, out);
+    return encode<OFP_FIELD_IN_PORT>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_InPhyPort(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_InPhyPort(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<1, &Match::in_phy_port>(match, out);
+    return encode<OFP_FIELD_IN_PHY_PORT>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_MetaData(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_MetaData(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<2, &Match::metadata, &Mask::metadata>(match, out);
+    return encode<OFP_FIELD_METADATA>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_EthDst(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_EthDst(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<3, &Match::eth_dst, &Mask::eth_dst>(match, out);
+    return encode<OFP_FIELD_ETH_DST>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_EthSrc(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_EthSrc(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<4, &Match::eth_src, &Mask::eth_src>(match, out);
+    return encode<OFP_FIELD_ETH_SRC>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_EthType(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_EthType(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<5, &Match::eth_type>(match, out);
+    return encode<OFP_FIELD_ETH_TYPE>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_VlanID(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_VlanID(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<6, &Match::vlan_vid, &Mask::vlan_vid, present_vid>(match, out);
+    return encode<OFP_FIELD_VLAN_VID>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_VlanPcp(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_VlanPcp(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<7, &Match::vlan_pcp, no_mask, low_bits<3>>(match, out);
+    return encode<OFP_FIELD_VLAN_PCP>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_IpDscp(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_IpDscp(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<8, &Match::ip_dscp, no_mask, low_bits<6>>(match, out);
+    return encode<OFP_FIELD_IP_DSCP>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_IpEcn(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_IpEcn(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<9, &Match::ip_ecn, no_mask, low_bits<2>>(match, out);
+    return encode<OFP_FIELD_IP_ECN>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_IpProto(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_IpProto(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<10, &Match::ip_proto>(match, out);
+    return encode<OFP_FIELD_IP_PROTO>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_Ipv4Src(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_Ipv4Src(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<11, &Match::ipv4_src, &Mask::ipv4_src>(match, out);
+    return encode<OFP_FIELD_IPV4_SRC>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_Ipv4Dst(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_Ipv4Dst(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<12, &Match::ipv4_dst, &Mask::ipv4_dst>(match, out);
+    return encode<OFP_FIELD_IPV4_DST>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_TcpSrc(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_TcpSrc(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<13, &Match::tcp_src, &Mask::tcp_src>(match, out);
+    return encode<OFP_FIELD_TCP_SRC>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_TcpDst(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_TcpDst(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<14, &Match::tcp_dst, &Mask::tcp_dst>(match, out);
+    return encode<OFP_FIELD_TCP_DST>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_UdpSrc(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_UdpSrc(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<15, &Match::udp_src, &Mask::udp_src>(match, out);
+    return encode<OFP_FIELD_UDP_SRC>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_UdpDst(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_UdpDst(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<16, &Match::udp_dst, &Mask::udp_dst>(match, out);
+    return encode<OFP_FIELD_UDP_DST>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_SctpSrc(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_SctpSrc(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<17, &Match::sctp_src, &Mask::sctp_src>(match, out);
+    return encode<OFP_FIELD_SCTP_SRC>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_SctpDst(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_SctpDst(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<18, &Match::sctp_dst, &Mask::sctp_dst>(match, out);
+    return encode<OFP_FIELD_SCTP_DST>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_IcmpV4Type(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_IcmpV4Type(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<19, &Match::icmpv4_type>(match, out);
+    return encode<OFP_FIELD_ICMPV4_TYPE>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_IcmpV4Code(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_IcmpV4Code(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<20, &Match::icmpv4_code>(match, out);
+    return encode<OFP_FIELD_ICMPV4_CODE>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_ArpOp(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_ArpOp(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<21, &Match::arp_op>(match, out);
+    return encode<OFP_FIELD_ARP_OP>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_ArpSpa(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_ArpSpa(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<22, &Match::arp_spa, &Mask::arp_spa>(match, out);
+    return encode<OFP_FIELD_ARP_SPA>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_ArpTpa(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_ArpTpa(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<23, &Match::arp_tpa, &Mask::arp_tpa>(match, out);
+    return encode<OFP_FIELD_ARP_TPA>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_ArpSha(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_ArpSha(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<24, &Match::arp_sha, &Mask::arp_sha>(match, out);
+    return encode<OFP_FIELD_ARP_SHA>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_ArpTha(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_ArpTha(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<25, &Match::arp_tha, &Mask::arp_tha>(match, out);
+    return encode<OFP_FIELD_ARP_THA>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_MplsLabel(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_Ipv6Src(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<34, &Match::mpls_label>(match, out);
+    return encode<OFP_FIELD_IPV6_SRC>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_MplsTc(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_Ipv6Dst(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<35, &Match::mpls_tc>(match, out);
+    return encode<OFP_FIELD_IPV6_DST>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_MplsBos(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_Ipv6Flabel(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<36, &Match::mpls_bos>(match, out);
+    return encode<OFP_FIELD_IPV6_FLABEL>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_PbbIsid(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_IcmpV6Type(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<37, &Match::pbb_isid, &Mask::pbb_isid>(match, out);
+    return encode<OFP_FIELD_ICMPV6_TYPE>(match, out);
 }
 
-OFP_API uint64_t OFP_encodeoxm_TunnelId(const Match *match, uint64_t, uint8_t *out)
+OFP_API uint64_t OFP_encodeoxm_IcmpV6Code(const OfpFRMatch *match, uint64_t, uint8_t *out)
 {
-    return basic<38, &Match::tunnel_id, &Mask::tunnel_id>(match, out);
+    return encode<OFP_FIELD_ICMPV6_CODE>(match, out);
+}
+
+OFP_API uint64_t OFP_encodeoxm_Ipv6NdTarget(const OfpFRMatch *match, uint64_t, uint8_t *out)
+{
+    return encode<OFP_FIELD_IPV6_ND_TARGET>(match, out);
+}
+
+OFP_API uint64_t OFP_encodeoxm_Ipv6NdSll(const OfpFRMatch *match, uint64_t, uint8_t *out)
+{
+    return encode<OFP_FIELD_IPV6_ND_SLL>(match, out);
+}
+
+OFP_API uint64_t OFP_encodeoxm_Ipv6NdTll(const OfpFRMatch *match, uint64_t, uint8_t *out)
+{
+    return encode<OFP_FIELD_IPV6_ND_TLL>(match, out);
+}
+
+OFP_API uint64_t OFP_encodeoxm_MplsLabel(const OfpFRMatch *match, uint64_t, uint8_t *out)
+{
+    return encode<OFP_FIELD_MPLS_LABEL>(match, out);
+}
+
+OFP_API uint64_t OFP_encodeoxm_MplsTc(const OfpFRMatch *match, uint64_t, uint8_t *out)
+{
+    return encode<OFP_FIELD_MPLS_TC>(match, out);
+}
+
+OFP_API uint64_t OFP_encodeoxm_MplsBos(const OfpFRMatch *match, uint64_t, uint8_t *out)
+{
+    return encode<OFP_FIELD_MPLS_BOS>(match, out);
+}
+
+OFP_API uint64_t OFP_encodeoxm_PbbIsid(const OfpFRMatch *match, uint64_t, uint8_t *out)
+{
+    return encode<OFP_FIELD_PBB_ISID>(match, out);
+}
+
+OFP_API uint64_t OFP_encodeoxm_TunnelId(const OfpFRMatch *match, uint64_t, uint8_t *out)
+{
+    return encode<OFP_FIELD_TUNNEL_ID>(match, out);
+}
+
+OFP_API uint64_t OFP_encodeoxm_Ipv6Ext(const OfpFRMatch *match, uint64_t, uint8_t *out)
+{
+    return encode<OFP_FIELD_IPV6_EXTHDR>(match, out);
 }

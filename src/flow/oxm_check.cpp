@@ -1,6 +1,6 @@
 #include <bit>
 
-#include "flow/oxm.h"
+#include "flow/oxm_fields.h"
 #include "ofp/flow.h"
 #include "ofp/result.h"
 #include "wire/dispatch_table.h"
@@ -13,13 +13,14 @@ constexpr uint64_t ipv6_fields = 0x00000083'fc000000; // 26 to 33 and 39
 // A value counts when its field takes part, a mask whenever its mask bit is set.
 using FieldCheck = bool (*)(const Match &match, bool takes_part, bool masked);
 
-template <auto Value, uint64_t Greatest, auto MaskValue = no_mask>
-bool at_most(const Match &match, [[maybe_unused]] bool takes_part, [[maybe_unused]] bool masked)
+template <unsigned Bit, uint64_t Greatest>
+bool at_most(const Match &match, bool takes_part, [[maybe_unused]] bool masked)
 {
-    if (takes_part && detail::value_of(match, Value) > Greatest)
+    constexpr auto form = field<Bit>;
+    if (takes_part && value_of(match, form.value) > Greatest)
         return false;
-    if constexpr (!std::is_null_pointer_v<decltype(MaskValue)>)
-        return !masked || match.mask->*MaskValue <= Greatest;
+    if constexpr (form.takes_mask)
+        return !masked || match.mask->*form.mask <= Greatest;
     return true;
 }
 
@@ -28,28 +29,38 @@ bool batch_count(const Match &match, bool takes_part, bool)
     return !takes_part || (match.batch_if.count >= 1 && match.batch_if.count <= 10000);
 }
 
+template <unsigned Bit, uint64_t Greatest>
+constexpr DispatchRow<FieldCheck> limit = {Bit, at_most<Bit, Greatest>};
+
 constexpr auto field_checks = by_number<FieldCheck, 63>({
-    {6, at_most<&Match::vlan_vid, 4095, &Mask::vlan_vid>},
-    {7, at_most<&Match::vlan_pcp, 7>},
-    {8, at_most<&Match::ip_dscp, 63>},
-    {9, at_most<&Match::ip_ecn, 3>},
-    {28, at_most<&Ipv6::ipv6_flabel, 0xfffff, &Mask::ipv6_flabel>},
-    {34, at_most<&Match::mpls_label, 0xfffff>},
-    {35, at_most<&Match::mpls_tc, 7>},
-    {36, at_most<&Match::mpls_bos, 1>},
-    {37, at_most<&Match::pbb_isid, 0xffffff, &Mask::pbb_isid>},
-    {39, at_most<&Ipv6::ipv6_exthdr, 511, &Mask::ipv6_exthdr>},
-    {59, batch_count},
-    {63, at_most<&Match::cvlan_vid, 4095, &Mask::cvlan_vid>},
+    limit<OFP_FIELD_VLAN_VID, 4095>,
+    limit<OFP_FIELD_VLAN_PCP, 7>,
+    limit<OFP_FIELD_IP_DSCP, 63>,
+    limit<OFP_FIELD_IP_ECN, 3>,
+    limit<OFP_FIELD_IPV6_FLABEL, 0xfffff>,
+    limit<OFP_FIELD_MPLS_LABEL, 0xfffff>,
+    limit<OFP_FIELD_MPLS_TC, 7>,
+    limit<OFP_FIELD_MPLS_BOS, 1>,
+    limit<OFP_FIELD_PBB_ISID, 0xffffff>,
+    limit<OFP_FIELD_IPV6_EXTHDR, 511>,
+    limit<OFP_FIELD_CVLAN_VID, 4095>,
+    {OFP_FIELD_BATCH_IF, batch_count},
 });
+
+consteval uint64_t checked_fields()
+{
+    uint64_t bits = 0;
+    for (unsigned bit = 0; bit < 64; ++bit)
+        bits |= uint64_t{field_checks[bit] != nullptr} << bit;
+    return bits;
+}
 
 bool fields_in_range(const Match &match)
 {
     const uint64_t masked = match.mask->masked;
-    for (uint64_t left = match.fields | masked; left != 0; left &= left - 1) {
+    for (uint64_t left = (match.fields | masked) & checked_fields(); left != 0; left &= left - 1) {
         const auto bit = static_cast<unsigned>(std::countr_zero(left));
-        const FieldCheck check = field_checks.slots[bit];
-        if (check != nullptr && !check(match, has_bit(match.fields, bit), has_bit(masked, bit)))
+        if (!field_checks.slots[bit](match, has_bit(match.fields, bit), has_bit(masked, bit)))
             return false;
     }
     return true;

@@ -2,9 +2,10 @@
 
 #include <array>
 #include <bit>
+#include <utility>
 
-#include "flow/oxm.h"
 #include "flow/oxm_experimenter.h"
+#include "flow/oxm_fields.h"
 #include "ofp/flow.h"
 
 namespace ofp {
@@ -17,23 +18,45 @@ struct FieldSize {
 
 using FieldSizes = std::array<FieldSize, 64>;
 
-constexpr FieldSize with_mask(unsigned payload)
+constexpr FieldSize oxm(unsigned payload, unsigned masked_payload)
 {
     return {static_cast<uint8_t>(oxm_header_size + payload),
-            static_cast<uint8_t>(oxm_header_size + 2 * payload)};
+            static_cast<uint8_t>(oxm_header_size + masked_payload)};
 }
 
-constexpr FieldSize always(unsigned size)
+constexpr FieldSize always(uint8_t size) { return {size, size}; }
+
+// What the encoders advance by; batch interfaces are counted by their list.
+template <unsigned Bit>
+consteval FieldSize written_size()
 {
-    return {static_cast<uint8_t>(size), static_cast<uint8_t>(size)};
+    if constexpr (!is_assigned<Bit> || Bit == OFP_FIELD_BATCH_IF) {
+        return always(0);
+    } else {
+        constexpr auto form = field<Bit>;
+        constexpr unsigned size = sizeof value_of(std::declval<Match>(), form.value);
+        return oxm(size, skips_mask<Bit> || form.takes_mask ? 2 * size : size);
+    }
 }
 
-// What batches are cut by: some fields count as they were laid out once, unassigned ones too.
+template <unsigned... Bits>
+consteval FieldSizes written_sizes(std::integer_sequence<unsigned, Bits...>)
+{
+    return {written_size<Bits>()...};
+}
+
+constexpr FieldSizes written = written_sizes(std::make_integer_sequence<unsigned, 64>{});
+
+// What batches are cut by: a few fields as they were laid out once, unassigned bits too.
 consteval FieldSizes counted_sizes()
 {
-    FieldSizes sizes;
-    for (unsigned bit = 0; bit < 64; ++bit)
-        sizes[bit] = with_mask(oxm_payload[bit]);
+    FieldSizes sizes = written;
+    for (unsigned bit : {58u, 60u, 61u, 62u}) {
+        const unsigned payload = written[bit].plain - oxm_header_size;
+        sizes[bit] = oxm(payload, 2 * payload);
+    }
+    for (unsigned bit : {40u, 41u, 45u, 46u, 53u})
+        sizes[bit] = always(4);
     for (unsigned bit : {37u, 42u, 44u, 48u, 52u, 54u, 55u, 56u, 57u})
         sizes[bit] = always(8);
     for (unsigned bit : {43u, 49u})
@@ -41,30 +64,20 @@ consteval FieldSizes counted_sizes()
     for (unsigned bit : {47u, 50u})
         sizes[bit] = always(6);
     sizes[51] = always(36);
-    sizes[39] = always(16);
     sizes[38] = always(0); // counted by the experimenter list
-    sizes[59] = always(0); // counted by the interfaces
-    return sizes;
-}
-
-// What the encoders advance by.
-consteval FieldSizes written_sizes()
-{
-    FieldSizes sizes = {};
-    for (unsigned bit = 0; bit < 40; ++bit)
-        sizes[bit] = with_mask(oxm_payload[bit]);
-    for (unsigned bit : {58u, 60u, 61u, 62u})
-        sizes[bit] = always(oxm_header_size + oxm_payload[bit]);
-    sizes[63] = with_mask(oxm_payload[63]);
+    sizes[39] = always(16);
     return sizes;
 }
 
 constexpr FieldSizes counted = counted_sizes();
-constexpr FieldSizes written = written_sizes();
 
-// Bits of basic fields that have no mask.
-constexpr uint64_t maskless =
-    1ull << 0 | 1ull << 1 | 1ull << 5 | 0xfull << 7 | 7ull << 19 | 0xffull << 29;
+template <unsigned... Bits>
+consteval uint64_t bits_that_skip(std::integer_sequence<unsigned, Bits...>)
+{
+    return ((uint64_t{skips_mask<Bits>} << Bits) | ...);
+}
+
+constexpr uint64_t skipping = bits_that_skip(std::make_integer_sequence<unsigned, 64>{});
 
 uint64_t masked_bits(const OfpFRMatch &match)
 {
@@ -106,7 +119,7 @@ uint64_t match_size(const OfpFRMatch &match)
 
 bool leaves_gaps(const OfpFRMatch &match)
 {
-    return (match.fields & masked_bits(match) & maskless) != 0;
+    return (match.fields & masked_bits(match) & skipping) != 0;
 }
 
 } // namespace ofp
