@@ -5,7 +5,7 @@
 #include "flow/action.h"
 #include "flow/exact_size.h"
 #include "flow/openflow.h"
-#include "flow/put.h"
+#include "flow/oxm_match.h"
 #include "ofp/codec.h"
 #include "ofp/flow.h"
 #include "ofp/message.h"
@@ -17,11 +17,14 @@ namespace {
 
 constexpr uint16_t write_actions = 3;
 
+// What STLV_Set may be told.
+constexpr uint64_t platform_room(uint64_t room) { return std::min<uint64_t>(room, UINT32_MAX); }
+
 // Puts the TLV header before a message that stands after it already.
 uint64_t frame(uint64_t length, uint64_t room, uint8_t *out)
 {
-    return STLV_Set(out, static_cast<uint32_t>(std::min<uint64_t>(room, UINT32_MAX)),
-                    OFP_TLV_FlowEntry, static_cast<uint32_t>(length), nullptr);
+    return STLV_Set(out, static_cast<uint32_t>(room), OFP_TLV_FlowEntry,
+                    static_cast<uint32_t>(length), nullptr);
 }
 
 // The part before the match, in network order. Cookies, time-outs and flags are the same for every
@@ -43,16 +46,15 @@ void put_fixed_part(const OfpFlowRuleCtx &ctx, uint32_t xid, uint16_t priority, 
     put(out + offsetof(OfpFlowMod, priority), priority);
 }
 
-// The one instruction of a rule, also of a rule without actions.
-uint64_t put_instruction(const OfpFlowItem &item, uint8_t *out)
+// The one instruction of a rule, also of a rule without actions. Returns the end.
+uint8_t *put_instruction(const OfpFlowItem &item, uint8_t *out)
 {
-    uint64_t length = instruction_header_size;
+    uint8_t *end = out + instruction_header_size;
     for (uint32_t i = 0; i < item.action_count; ++i)
-        length += put_action(*item.actions[i], out + length);
-    put(out, write_actions);
-    put(out + 2, static_cast<uint16_t>(length));
-    put(out + 4, uint32_t{0});
-    return length;
+        end += put_action(*item.actions[i], end);
+    const auto length = static_cast<uint16_t>(end - out);
+    put(out, uint64_t{write_actions} << 48 | uint64_t{length} << 32);
+    return end;
 }
 
 // Written in place, lengths last.
@@ -60,11 +62,17 @@ uint64_t put_flow_mod(const OfpFlowRuleCtx &ctx, uint32_t xid, const OfpFlowItem
                       uint64_t room, uint8_t *out)
 {
     uint8_t *mod = out + tlv_header_size;
-    uint64_t length = sizeof(OfpFlowMod);
-    length += OFP_encodeoxm_Fill(&item.match, room - tlv_header_size - length, mod + length);
-    length += put_instruction(item, mod + length);
+    uint8_t *instruction = put_match(&item.match, mod + sizeof(OfpFlowMod));
+    const auto length = static_cast<uint64_t>(put_instruction(item, instruction) - mod);
     put_fixed_part(ctx, xid, item.priority, length, mod);
     return frame(length, room, out);
+}
+
+uint64_t put_barrier(uint32_t xid, uint64_t room, uint8_t *out)
+{
+    put_openflow_header(OFPT_BARRIER_REQUEST, sizeof(OfpOpenflowHeader), xid,
+                        out + tlv_header_size);
+    return frame(sizeof(OfpOpenflowHeader), room, out);
 }
 
 } // namespace
@@ -76,13 +84,14 @@ OFP_API uint64_t OFP_encode_FlowRule(const OfpFlowRuleCtx *ctx, const uint8_t he
                                      uint32_t count, const OfpFlowItem *items, uint64_t room,
                                      uint8_t *buffer)
 {
+    room = platform_room(room);
     uint64_t used = OFP_msg_SetMsgHead(buffer, room, OFP_MSG_FLOW_RULE);
     used += OFP_msg_SetTlvData(buffer + used, room - used, OFP_TLV_ClientHead,
                                sizeof(OfpClientHead), head);
     for (uint32_t i = 0; i < count; ++i) {
         const uint32_t xid = ctx->asynchronous == 1 ? ctx->xid : i;
         used += put_flow_mod(*ctx, xid, items[i], room - used, buffer + used);
-        used += OFP_encode_TlvBarrier(xid, room - used, buffer + used);
+        used += put_barrier(xid, room - used, buffer + used);
     }
     return used;
 }
@@ -102,9 +111,7 @@ OFP_API uint64_t OFP_encode_GetRuleMsgLen(uint32_t count, const OfpFlowItem *ite
 
 OFP_API uint64_t OFP_encode_TlvBarrier(uint32_t xid, uint64_t room, uint8_t *buffer)
 {
-    constexpr uint64_t length = sizeof(OfpOpenflowHeader);
-    put_openflow_header(OFPT_BARRIER_REQUEST, length, xid, buffer + tlv_header_size);
-    return frame(length, room, buffer);
+    return put_barrier(xid, platform_room(room), buffer);
 }
 
 OFP_API uint64_t OFP_encode_Instance(uint16_t instance_id, uint8_t count, const uint8_t *tables,

@@ -21,15 +21,11 @@ void put_bucket(uint32_t port, uint8_t *out)
     OfpGroupBucket bucket = {.length = bucket_size, .watch_port = port, .watch_group = 0xffffffff};
     OFP_bswap_OfpGroupBucket(&bucket);
     std::memcpy(out, &bucket, sizeof bucket);
-    const OfpActionOutput output = {
-        .header = {.type = OFP_ACTION_OUTPUT, .size = sizeof output},
-        .port = port,
-    };
-    put_action(output.header, out + sizeof bucket);
+    put_output(port, out + sizeof bucket);
 }
 
-uint64_t put_group(uint32_t code, const uint8_t head[16], const uint8_t group[16], uint32_t count,
-                   const uint32_t *ports, uint64_t room, uint8_t *buffer)
+uint64_t put_datagram(uint32_t code, const uint8_t head[16], const uint8_t group[16],
+                      uint32_t count, const uint32_t *ports, uint64_t room, uint8_t *buffer)
 {
     uint64_t used =
         OFP_msg_EncapBasicMsg(buffer, room, code, OFP_TLV_ClientHead, sizeof(OfpClientHead), head);
@@ -47,13 +43,13 @@ OFP_API uint64_t OFP_encode_SetGroup(const uint8_t head[16], const uint8_t group
                                      uint32_t count, const uint32_t *ports, uint64_t room,
                                      uint8_t *buffer)
 {
-    return put_group(OFP_MSG_SET_GROUP, head, group, count, ports, room, buffer);
+    return put_datagram(OFP_MSG_SET_GROUP, head, group, count, ports, room, buffer);
 }
 
 OFP_API uint64_t OFP_encode_DelGroup(const uint8_t head[16], const uint8_t group[16], uint64_t room,
                                      uint8_t *buffer)
 {
-    return put_group(OFP_MSG_DEL_GROUP, head, group, 0, nullptr, room, buffer);
+    return put_datagram(OFP_MSG_DEL_GROUP, head, group, 0, nullptr, room, buffer);
 }
 
 // The length of this TLV counts its header, unlike any other's: agents read it so.
