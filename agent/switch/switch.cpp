@@ -147,12 +147,12 @@ std::optional<Error> Switch::Impl::flow_mod(Client &owner, const openflow::FlowM
         return error;
     }
     const auto at = owner.tables.find(mod.table_id);
-    if (at != owner.tables.end()) {
-        at->second.prefetch(mod.priority);
-    }
     Key key;
     if (auto error = read_key(mod.match, masks, opaques, key)) {
         return error;
+    }
+    if (at != owner.tables.end()) {
+        at->second.prefetch(mod.priority, key.view());
     }
     if (!is_delete(mod.command)) {
         return program(owner, mod, key);
