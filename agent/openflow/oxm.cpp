@@ -1,7 +1,5 @@
 #include "openflow/oxm.h"
 
-#include <algorithm>
-
 #include "openflow/oxm_fields.h"
 
 namespace openflow {
@@ -14,6 +12,9 @@ constexpr FieldRule CVLAN_VID = {"cvlan_vid", 2, 13, true, Prerequisite::None};
 
 constexpr Error bad_match(BadMatchCode code) { return {OFPET_BAD_MATCH, code}; }
 
+// No error.
+constexpr uint16_t GOOD = 0xffff;
+
 bool outside_mask(Bytes value, Bytes mask)
 {
     uint8_t outside = 0;
@@ -24,27 +25,54 @@ bool outside_mask(Bytes value, Bytes mask)
 }
 
 // Length, mask and width: what holds for a field whatever it means.
-std::optional<Error> check_form(const FieldRule &rule, const Oxm &oxm)
+uint16_t check_form(const FieldRule &rule, const Oxm &oxm)
 {
     if (oxm.has_mask && !rule.maskable) {
-        return bad_match(OFPBMC_BAD_MASK);
+        return OFPBMC_BAD_MASK;
     }
     if (oxm.value.size() != rule.size || (oxm.has_mask && oxm.mask.size() != rule.size)) {
-        return bad_match(OFPBMC_BAD_LEN);
+        return OFPBMC_BAD_LEN;
     }
     if (exceeds_width(rule, oxm.value.data())) {
-        return bad_match(OFPBMC_BAD_VALUE);
+        return OFPBMC_BAD_VALUE;
     }
     if (!oxm.has_mask) {
-        return {};
+        return GOOD;
     }
     if (exceeds_width(rule, oxm.mask.data())) {
-        return bad_match(OFPBMC_BAD_MASK);
+        return OFPBMC_BAD_MASK;
     }
-    if (outside_mask(oxm.value, oxm.mask)) {
-        return bad_match(OFPBMC_BAD_WILDCARDS);
+    return outside_mask(oxm.value, oxm.mask) ? uint16_t{OFPBMC_BAD_WILDCARDS} : GOOD;
+}
+
+// An opaque field of fixed size.
+uint16_t check_size(const Oxm &oxm, size_t size)
+{
+    if (oxm.has_mask) {
+        return OFPBMC_BAD_MASK;
     }
-    return {};
+    return oxm.value.size() == size ? GOOD : uint16_t{OFPBMC_BAD_LEN};
+}
+
+// An experimenter item, or an entry of an interface list: at least one index, and whole ones.
+uint16_t check_item(const Oxm &oxm)
+{
+    const size_t size = oxm.value.size();
+    if (oxm.field > EXPERIMENTER_ITEM_MAX) {
+        return OFPBMC_BAD_FIELD;
+    }
+    if (oxm.has_mask) {
+        return OFPBMC_BAD_MASK;
+    }
+    if (size < EXPERIMENTER_ID_SIZE) {
+        return OFPBMC_BAD_LEN;
+    }
+    if (load32(oxm.value.data()) != EXPERIMENTER_ID) {
+        return OFPBMC_BAD_FIELD;
+    }
+    const bool list = oxm.field == PRIVATE_BATCH_IF;
+    return list && (size == EXPERIMENTER_ID_SIZE || size % 4 != 0) ? uint16_t{OFPBMC_BAD_LEN}
+                                                                   : GOOD;
 }
 
 bool is_input_port(uint32_t port)
@@ -68,10 +96,98 @@ bool is_value(uint8_t field, Bytes value)
     }
 }
 
-bool asks_for_tag(const Oxm &vlan_vid)
+uint16_t check_private_form(const Oxm &oxm)
 {
-    const uint16_t vid = load16(vlan_vid.value.data());
-    return (vid & OFPVID_PRESENT) != 0;
+    switch (oxm.field) {
+    case PRIVATE_IP_RANGE:
+        return check_size(oxm, 80);
+    case PRIVATE_VRF:
+        return check_size(oxm, 2);
+    case PRIVATE_FRAGMENT:
+        return check_size(oxm, 1);
+    case PRIVATE_OUT_PORT:
+        return check_size(oxm, 4);
+    case PRIVATE_CVLAN_VID: {
+        const uint16_t code = check_form(CVLAN_VID, oxm);
+        const bool bad = code == GOOD && !is_vlan_vid(load16(oxm.value.data()));
+        return bad ? uint16_t{OFPBMC_BAD_VALUE} : code;
+    }
+    default:
+        return check_item(oxm);
+    }
+}
+
+template <class... Fulfilled>
+constexpr uint32_t bits(Fulfilled... fulfilled)
+{
+    return ((uint32_t{1} << static_cast<uint32_t>(fulfilled)) | ... | 0);
+}
+
+uint32_t fulfilled_by_eth_type(uint16_t eth_type)
+{
+    switch (eth_type) {
+    case 0x0800:
+        return bits(Prerequisite::Ip, Prerequisite::Ipv4);
+    case 0x0806:
+        return bits(Prerequisite::Arp);
+    case 0x86dd:
+        return bits(Prerequisite::Ip, Prerequisite::Ipv6);
+    case 0x8847:
+    case 0x8848:
+        return bits(Prerequisite::Mpls);
+    case 0x88e7:
+        return bits(Prerequisite::Pbb);
+    default:
+        return 0;
+    }
+}
+
+uint32_t fulfilled_by_ip_proto(uint8_t ip_proto)
+{
+    switch (ip_proto) {
+    case 1:
+        return bits(Prerequisite::Icmpv4);
+    case 6:
+        return bits(Prerequisite::Tcp);
+    case 17:
+        return bits(Prerequisite::Udp);
+    case 58:
+        return bits(Prerequisite::Icmpv6);
+    case 132:
+        return bits(Prerequisite::Sctp);
+    default:
+        return 0;
+    }
+}
+
+uint32_t fulfilled_by_icmpv6_type(uint8_t type)
+{
+    switch (type) {
+    case 135:
+        return bits(Prerequisite::NeighbourDiscovery, Prerequisite::NeighbourSolicitation);
+    case 136:
+        return bits(Prerequisite::NeighbourDiscovery, Prerequisite::NeighbourAdvertisement);
+    default:
+        return 0;
+    }
+}
+
+uint32_t fulfilled_by(uint8_t field, Bytes value)
+{
+    switch (field) {
+    case OFPXMT_IN_PORT:
+        return bits(Prerequisite::InPort);
+    case OFPXMT_ETH_TYPE:
+        return fulfilled_by_eth_type(load16(value.data()));
+    case OFPXMT_VLAN_VID:
+        return (load16(value.data()) & OFPVID_PRESENT) != 0 ? bits(Prerequisite::VlanTag) : 0;
+    case OFPXMT_IP_PROTO:
+        return fulfilled_by_ip_proto(value[0]);
+    case OFPXMT_ICMPV6_TYPE:
+        return fulfilled_by_icmpv6_type(value[0]);
+    default:
+        return 0;
+    }
 }
 
 } // namespace
@@ -103,174 +219,56 @@ std::optional<Oxm> OxmWalk::next()
 
 std::optional<Error> OxmChecker::check(const Oxm &oxm)
 {
-    std::optional<Error> error;
+    uint16_t code = OFPBMC_BAD_FIELD;
     if (oxm.oxm_class == OFPXMC_OPENFLOW_BASIC) {
-        error = check_basic(oxm);
+        code = check_basic(oxm);
+        batch_open_ = false;
     } else if (oxm.oxm_class == OFPXMC_EXPERIMENTER) {
-        error = check_private(oxm);
-    } else {
-        error = bad_match(OFPBMC_BAD_FIELD);
+        code = check_private(oxm);
     }
-    if (error) {
-        return error;
-    }
-    error = check_duplicate(oxm);
-    if (!error) {
-        remember(oxm);
-    }
-    return error;
+    return code == GOOD ? std::nullopt : std::optional(Error{OFPET_BAD_MATCH, code});
 }
 
-std::optional<Error> OxmChecker::check_basic(const Oxm &oxm)
+uint16_t OxmChecker::check_basic(const Oxm &oxm)
 {
     if (oxm.field >= BASIC_FIELDS.size()) {
-        return bad_match(OFPBMC_BAD_FIELD);
+        return OFPBMC_BAD_FIELD;
     }
-    if (auto error = check_form(BASIC_FIELDS[oxm.field], oxm)) {
-        return error;
+    const FieldRule &rule = BASIC_FIELDS[oxm.field];
+    if (const uint16_t code = check_form(rule, oxm); code != GOOD) {
+        return code;
     }
     if (!is_value(oxm.field, oxm.value)) {
-        return bad_match(OFPBMC_BAD_VALUE);
+        return OFPBMC_BAD_VALUE;
     }
-    if (!prerequisite_holds(oxm.field)) {
-        return bad_match(OFPBMC_BAD_PREREQ);
+    if ((holds_ & bits(rule.needs)) == 0) {
+        return OFPBMC_BAD_PREREQ;
     }
-    return {};
+    const uint64_t bit = uint64_t{1} << oxm.field;
+    if ((basic_ & bit) != 0) {
+        return OFPBMC_DUP_FIELD;
+    }
+    basic_ |= bit;
+    holds_ |= fulfilled_by(oxm.field, oxm.value);
+    return GOOD;
 }
 
-std::optional<Error> OxmChecker::check_private(const Oxm &oxm)
+uint16_t OxmChecker::check_private(const Oxm &oxm)
 {
-    const size_t size = oxm.value.size();
-    const auto exactly = [&oxm](size_t expected) -> std::optional<Error> {
-        if (oxm.has_mask) {
-            return bad_match(OFPBMC_BAD_MASK);
-        }
-        return oxm.value.size() == expected ? std::nullopt
-                                            : std::optional(bad_match(OFPBMC_BAD_LEN));
-    };
-    switch (oxm.field) {
-    case PRIVATE_IP_RANGE:
-        return exactly(80);
-    case PRIVATE_VRF:
-        return exactly(2);
-    case PRIVATE_FRAGMENT:
-        return exactly(1);
-    case PRIVATE_OUT_PORT:
-        return exactly(4);
-    case PRIVATE_CVLAN_VID:
-        if (auto error = check_form(CVLAN_VID, oxm)) {
-            return error;
-        }
-        return is_vlan_vid(load16(oxm.value.data())) ? std::nullopt
-                                                     : std::optional(bad_match(OFPBMC_BAD_VALUE));
-    default:
-        break;
+    if (const uint16_t code = check_private_form(oxm); code != GOOD) {
+        return code;
     }
-    if (oxm.field > EXPERIMENTER_ITEM_MAX) {
-        return bad_match(OFPBMC_BAD_FIELD);
-    }
-    if (oxm.has_mask) {
-        return bad_match(OFPBMC_BAD_MASK);
-    }
-    if (size < EXPERIMENTER_ID_SIZE) {
-        return bad_match(OFPBMC_BAD_LEN);
-    }
-    if (load32(oxm.value.data()) != EXPERIMENTER_ID) {
-        return bad_match(OFPBMC_BAD_FIELD);
-    }
-    // An interface list holds at least one index, and whole ones.
+    const bool last = oxm.field == EXPERIMENTER_ITEM_MAX;
+    const uint64_t bit = last ? 0 : uint64_t{1} << oxm.field;
+    const bool seen = last ? item_64_ : (experimenter_ & bit) != 0;
     const bool list = oxm.field == PRIVATE_BATCH_IF;
-    if (list && (size == EXPERIMENTER_ID_SIZE || size % 4 != 0)) {
-        return bad_match(OFPBMC_BAD_LEN);
+    if (seen && !(list && batch_open_)) {
+        return OFPBMC_DUP_FIELD;
     }
-    return {};
-}
-
-std::optional<Error> OxmChecker::check_duplicate(const Oxm &oxm)
-{
-    bool seen = false;
-    if (oxm.oxm_class == OFPXMC_OPENFLOW_BASIC) {
-        seen = (basic_ >> oxm.field & 1) != 0;
-    } else if (oxm.field == EXPERIMENTER_ITEM_MAX) {
-        seen = item_64_;
-    } else {
-        seen = (experimenter_ >> oxm.field & 1) != 0;
-        seen = seen && !(oxm.field == PRIVATE_BATCH_IF && batch_open_);
-    }
-    return seen ? std::optional(bad_match(OFPBMC_DUP_FIELD)) : std::nullopt;
-}
-
-bool OxmChecker::prerequisite_holds(uint8_t field) const
-{
-    const bool ip = eth_type_ == 0x0800 || eth_type_ == 0x86dd;
-    switch (BASIC_FIELDS[field].needs) {
-    case Prerequisite::None:
-        return true;
-    case Prerequisite::InPort:
-        return (basic_ >> OFPXMT_IN_PORT & 1) != 0;
-    case Prerequisite::VlanTag:
-        return tagged_;
-    case Prerequisite::Ip:
-        return ip;
-    case Prerequisite::Ipv4:
-        return eth_type_ == 0x0800;
-    case Prerequisite::Ipv6:
-        return eth_type_ == 0x86dd;
-    case Prerequisite::Arp:
-        return eth_type_ == 0x0806;
-    case Prerequisite::Mpls:
-        return eth_type_ == 0x8847 || eth_type_ == 0x8848;
-    case Prerequisite::Pbb:
-        return eth_type_ == 0x88e7;
-    case Prerequisite::Tcp:
-        return ip_proto_ == 6;
-    case Prerequisite::Udp:
-        return ip_proto_ == 17;
-    case Prerequisite::Sctp:
-        return ip_proto_ == 132;
-    case Prerequisite::Icmpv4:
-        return ip_proto_ == 1;
-    case Prerequisite::Icmpv6:
-        return ip_proto_ == 58;
-    case Prerequisite::NeighbourDiscovery:
-        return icmpv6_type_ == 135 || icmpv6_type_ == 136;
-    case Prerequisite::NeighbourSolicitation:
-        return icmpv6_type_ == 135;
-    case Prerequisite::NeighbourAdvertisement:
-        return icmpv6_type_ == 136;
-    }
-    return false;
-}
-
-void OxmChecker::remember(const Oxm &oxm)
-{
-    batch_open_ = false;
-    if (oxm.oxm_class == OFPXMC_EXPERIMENTER) {
-        batch_open_ = oxm.field == PRIVATE_BATCH_IF && oxm.value.size() == FULL_BATCH_SIZE;
-        if (oxm.field == EXPERIMENTER_ITEM_MAX) {
-            item_64_ = true;
-        } else {
-            experimenter_ |= uint64_t{1} << oxm.field;
-        }
-        return;
-    }
-    basic_ |= uint64_t{1} << oxm.field;
-    switch (oxm.field) {
-    case OFPXMT_ETH_TYPE:
-        eth_type_ = load16(oxm.value.data());
-        break;
-    case OFPXMT_VLAN_VID:
-        tagged_ = asks_for_tag(oxm);
-        break;
-    case OFPXMT_IP_PROTO:
-        ip_proto_ = oxm.value[0];
-        break;
-    case OFPXMT_ICMPV6_TYPE:
-        icmpv6_type_ = oxm.value[0];
-        break;
-    default:
-        break;
-    }
+    experimenter_ |= bit;
+    item_64_ = item_64_ || last;
+    batch_open_ = list && oxm.value.size() == FULL_BATCH_SIZE;
+    return GOOD;
 }
 
 Result<Match> parse_match(Bytes bytes)

@@ -94,20 +94,14 @@ public:
     std::optional<Error> check(const Oxm &oxm);
 
 private:
-    std::optional<Error> check_basic(const Oxm &oxm);
-    std::optional<Error> check_private(const Oxm &oxm);
-    std::optional<Error> check_duplicate(const Oxm &oxm);
-    bool prerequisite_holds(uint8_t field) const;
-    void remember(const Oxm &oxm);
+    uint16_t check_basic(const Oxm &oxm);
+    uint16_t check_private(const Oxm &oxm);
 
     uint64_t basic_ = 0;        // fields seen
     uint64_t experimenter_ = 0; // fields seen, item 64 apart
     bool item_64_ = false;
     bool batch_open_ = false; // the entry before was a full batch-interface entry
-    bool tagged_ = false;     // the match asks for a VLAN tag
-    uint16_t eth_type_ = 0;
-    uint16_t ip_proto_ = 0xffff;
-    uint16_t icmpv6_type_ = 0xffff;
+    uint32_t holds_ = 1;      // prerequisites that the entries so far fulfil
 };
 
 // The ofp_match at the start of bytes: type, length, room. Its entries are not looked at.

@@ -17,15 +17,22 @@ void write_header(uint8_t *out, MessageType type, size_t length, uint32_t xid)
 
 } // namespace
 
-std::vector<uint8_t> encode_error(Bytes offender, Error error)
+size_t error_size(Bytes offender) { return ERROR_SIZE + std::min(offender.size(), ERROR_DATA_MAX); }
+
+void write_error(Bytes offender, Error error, uint8_t *out)
 {
     const Bytes data = offender.first(std::min(offender.size(), ERROR_DATA_MAX));
     const auto header = peek_header(offender);
-    std::vector<uint8_t> message(ERROR_SIZE + data.size());
-    write_header(message.data(), OFPT_ERROR, message.size(), header ? header->xid : 0);
-    store(&message[8], error.type);
-    store(&message[10], error.code);
-    std::copy(data.begin(), data.end(), message.begin() + ERROR_SIZE);
+    write_header(out, OFPT_ERROR, ERROR_SIZE + data.size(), header ? header->xid : 0);
+    store(out + 8, error.type);
+    store(out + 10, error.code);
+    std::copy(data.begin(), data.end(), out + ERROR_SIZE);
+}
+
+std::vector<uint8_t> encode_error(Bytes offender, Error error)
+{
+    std::vector<uint8_t> message(error_size(offender));
+    write_error(offender, error, message.data());
     return message;
 }
 

@@ -64,6 +64,7 @@ Rule *FlowTable::make(KeyView key, const Programming &programming)
     head.programmed = programming.period;
     head.created = programming.now;
     head.priority = programming.priority;
+    head.flags = programming.flags;
     head.uses_groups = refers_to_group(programming.instructions, openflow::OFPG_ANY);
     return make_rule(head, key.values, programming.match, programming.instructions, &memory_);
 }
@@ -148,6 +149,7 @@ static Programming modified(const Rule &rule, const Programming &programming)
     result.priority = rule.priority;
     result.cookie = rule.cookie;
     result.now = rule.created;
+    result.flags = rule.flags;
     result.match = rule.match();
     return result;
 }

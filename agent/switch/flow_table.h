@@ -26,6 +26,7 @@ struct Programming {
     bool check_overlap = false;
     std::span<const uint8_t> match;
     std::span<const uint8_t> instructions;
+    uint8_t flags = 0;
 };
 
 // Which of the rules that a match names a modify or delete means.
@@ -65,8 +66,8 @@ public:
     uint32_t capacity() const { return capacity_; }
     size_t memory() const { return memory_.held(); }
 
-    // A flow-mod for this priority is about to come.
-    void prefetch(uint16_t priority) const { index_.prefetch(priority); }
+    // A flow-mod for this rule is about to come.
+    void prefetch(uint16_t priority, KeyView key) const { index_.prefetch(priority, key); }
 
 private:
     Rule *make(KeyView key, const Programming &programming);

@@ -18,6 +18,7 @@ struct Rule {
     uint16_t match_size = 0;
     uint16_t instructions_size = 0;
     bool uses_groups = false;
+    uint8_t flags = 0; // of the flow-mod that added it
 
     KeyView key() const { return {mask, reinterpret_cast<const uint64_t *>(this + 1)}; }
     std::span<const uint8_t> match() const { return {bytes(), match_size}; }

@@ -21,7 +21,19 @@ RuleIndex::RuleIndex(MaskSet &masks, const Slots<Rule> &rules, std::pmr::memory_
 
 RuleIndex::~RuleIndex() { destroy_buckets(priorities_); }
 
-void RuleIndex::prefetch(uint16_t priority) const { priorities_.prefetch(spread_tag(priority)); }
+void RuleIndex::prefetch(uint16_t priority, KeyView key) const
+{
+    const Entry *entry = priorities_.find(spread_tag(priority));
+    if (entry == nullptr || is_rule(entry->ref)) {
+        return;
+    }
+    const Node &node = *nodes_[number_of(entry->ref)];
+    if (node.views == nullptr) {
+        __builtin_prefetch(node.list() + node.rules);
+    } else if (const View *view = covered_view(node, *key.mask)) {
+        view->buckets.prefetch(project(key, *view->mask));
+    }
+}
 
 uint32_t RuleIndex::find(uint16_t priority, KeyView key) const
 {

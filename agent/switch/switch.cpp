@@ -147,12 +147,12 @@ std::optional<Error> Switch::Impl::flow_mod(Client &owner, const openflow::FlowM
         return error;
     }
     const auto at = owner.tables.find(mod.table_id);
-    if (at != owner.tables.end()) {
-        at->second.prefetch(mod.priority);
-    }
     Key key;
     if (auto error = read_key(mod.match, masks, opaques, key)) {
         return error;
+    }
+    if (at != owner.tables.end()) {
+        at->second.prefetch(mod.priority, key.view());
     }
     if (!is_delete(mod.command)) {
         return program(owner, mod, key);
@@ -177,8 +177,9 @@ std::optional<Error> Switch::Impl::program(Client &owner, const openflow::FlowMo
     }
     FlowTable &into = table(owner, mod.table_id);
     const bool check_overlap = (mod.flags & openflow::OFPFF_CHECK_OVERLAP) != 0;
-    const Programming programming = {mod.priority,  mod.cookie,      owner.opened,    clock(),
-                                     check_overlap, mod.match.bytes, mod.instructions};
+    const Programming programming = {
+        mod.priority,  mod.cookie,      owner.opened,     clock(),
+        check_overlap, mod.match.bytes, mod.instructions, static_cast<uint8_t>(mod.flags)};
     // A modify is not narrowed by port or group.
     const Filter filter = {mod.cookie, mod.cookie_mask, openflow::OFPP_ANY, openflow::OFPG_ANY};
     if (mod.command == openflow::OFPFC_ADD) {
@@ -368,6 +369,7 @@ std::optional<RuleView> Switch::rule(uint16_t client, uint8_t table, uint32_t id
     view.instructions = rule->instructions();
     view.age_seconds = impl_->clock() - rule->created;
     view.cookie = rule->cookie;
+    view.flags = rule->flags;
     return view;
 }
 

@@ -29,6 +29,7 @@ struct RuleView {
     uint64_t bytes = 0;
     uint32_t age_seconds = 0;
     uint64_t cookie = 0;
+    uint16_t flags = 0; // of the flow-mod that added it
 };
 
 struct TableView {

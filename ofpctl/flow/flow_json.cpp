@@ -159,7 +159,7 @@ bool ObjectReader::append_action(std::string &out, const JsonMember &element)
     if (!option.has_value || option.value.empty() ||
         option.value.find_first_of(", \t\r\n()") != option.value.npos ||
         option.name.find_first_of(", \t\r\n:=") != option.name.npos)
-        return report(action, fmt::format("this is no {}", action.name));
+        return report(action, fmt::format("'{}' is no {}", option.value, action.name));
     out = fmt::format("{}:{}", option.name, option.value);
     return true;
 }

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include <unistd.h>
 
 #include "error.h"
+#include "ofp/host.h"
 #include "system.h"
 
 namespace host {
@@ -272,6 +274,19 @@ int32_t run(const Plan &plan, Descriptor report_end, Descriptor heard_end, const
     return report.ready() ? 0 : explain(heard_end.get(), report, log);
 }
 
+/* Options of the agent's own, for whoever starts it by hand: OFP_AGENT_OPTIONS, between blanks. */
+void append_options(std::vector<std::string> &arguments)
+{
+    const char *options = environment("OFP_AGENT_OPTIONS");
+    std::string text = options != nullptr ? options : "";
+    for (size_t at = text.find_first_not_of(' '); at != std::string::npos;
+         at = text.find_first_not_of(' ', at)) {
+        size_t end = std::min(text.find(' ', at), text.size());
+        arguments.push_back(text.substr(at, end - at));
+        at = end;
+    }
+}
+
 } // namespace
 
 int32_t launch_agent(uint16_t node, const Path &directory, const Path &log, int64_t deadline)
@@ -283,6 +298,7 @@ int32_t launch_agent(uint16_t node, const Path &directory, const Path &log, int6
     }
     program.arguments = {program.file, "--node", std::to_string(node), "--ready-fd",
                          std::to_string(ready_fd)};
+    append_options(program.arguments);
     program.environment = agent_environment(directory);
     std::vector<char *> arguments = pointers(program.arguments);
     std::vector<char *> variables = pointers(program.environment);
@@ -305,3 +321,22 @@ int32_t launch_agent(uint16_t node, const Path &directory, const Path &log, int6
 }
 
 } // namespace host
+
+using namespace host;
+
+int32_t HOST_GetAgentProgram(char *path, size_t size)
+{
+    try {
+        std::string file = find_agent();
+        if (file.empty()) {
+            return -1;
+        }
+        if (file.size() >= size) {
+            return fail(ENAMETOOLONG, "%s: the path is too long", file.c_str());
+        }
+        memcpy(path, file.c_str(), file.size() + 1);
+        return 0;
+    } catch (const std::bad_alloc &) {
+        return fail(ENOMEM, "cannot look for the agent: out of memory");
+    }
+}
