@@ -20,11 +20,24 @@ constexpr uint16_t write_actions = 3;
 // What STLV_Set may be told.
 constexpr uint64_t platform_room(uint64_t room) { return std::min<uint64_t>(room, UINT32_MAX); }
 
-// Puts the TLV header before a message that stands after it already.
-uint64_t frame(uint64_t length, uint64_t room, uint8_t *out)
+// Puts the TLV header before a value that stands after it already, in network order: a rule is
+// encoded too often to be copied into its datagram.
+uint64_t frame(uint32_t type, uint64_t length, uint64_t room, uint8_t *out)
 {
-    return STLV_Set(out, static_cast<uint32_t>(room), OFP_TLV_FlowEntry,
-                    static_cast<uint32_t>(length), nullptr);
+    return STLV_Set(out, static_cast<uint32_t>(room), type, static_cast<uint32_t>(length), nullptr);
+}
+
+uint64_t put_message_head(uint32_t code, uint64_t room, uint8_t *out)
+{
+    put(out + tlv_header_size, code);
+    return frame(OFP_TLV_MsgHead, sizeof code, room, out);
+}
+
+uint64_t put_client_head(const uint8_t head[16], uint64_t room, uint8_t *out)
+{
+    std::memcpy(out + tlv_header_size, head, sizeof(OfpClientHead));
+    OFP_bswap_OfpClientHead(out + tlv_header_size);
+    return frame(OFP_TLV_ClientHead, sizeof(OfpClientHead), room, out);
 }
 
 // What all messages of a datagram have in common, in network order.
@@ -74,7 +87,7 @@ uint64_t put_flow_mod(const Common &common, uint32_t xid, const OfpFlowItem &ite
     std::memcpy(mod, &common.mod, sizeof common.mod);
     put_openflow_header(OFPT_FLOW_MOD, length, xid, mod);
     put(mod + offsetof(OfpFlowMod, priority), item.priority);
-    return frame(length, room, out);
+    return frame(OFP_TLV_FlowEntry, length, room, out);
 }
 
 uint64_t put_barrier(const Common &common, uint32_t xid, uint8_t *out)
@@ -94,9 +107,8 @@ OFP_API uint64_t OFP_encode_FlowRule(const OfpFlowRuleCtx *ctx, const uint8_t he
                                      uint8_t *buffer)
 {
     room = platform_room(room);
-    uint64_t used = OFP_msg_SetMsgHead(buffer, room, OFP_MSG_FLOW_RULE);
-    used += OFP_msg_SetTlvData(buffer + used, room - used, OFP_TLV_ClientHead,
-                               sizeof(OfpClientHead), head);
+    uint64_t used = put_message_head(OFP_MSG_FLOW_RULE, room, buffer);
+    used += put_client_head(head, room - used, buffer + used);
     const Common common = common_of(*ctx);
     for (uint32_t i = 0; i < count; ++i) {
         const uint32_t xid = ctx->asynchronous == 1 ? ctx->xid : i;
@@ -123,7 +135,7 @@ OFP_API uint64_t OFP_encode_TlvBarrier(uint32_t xid, uint64_t room, uint8_t *buf
 {
     constexpr uint64_t length = sizeof(OfpOpenflowHeader);
     put_openflow_header(OFPT_BARRIER_REQUEST, length, xid, buffer + tlv_header_size);
-    return frame(length, platform_room(room), buffer);
+    return frame(OFP_TLV_FlowEntry, length, platform_room(room), buffer);
 }
 
 OFP_API uint64_t OFP_encode_Instance(uint16_t instance_id, uint8_t count, const uint8_t *tables,
