@@ -225,6 +225,17 @@ TEST_F(Service, AgentThatHangsIsEndedAfterTheTimeOut)
     });
 }
 
+TEST_F(Service, TimeOutThatIsNoNumberOfSecondsIsRefused)
+{
+    in_child([] {
+        for (const char *wrong : {"ten", "0", "-1", "1s", "3601", "nan", "inf"}) {
+            setenv("OFP_START_TIMEOUT", wrong, 1);
+            EXPECT_EQ(SERVICE_Start(0, "OFP", 0, 0), uint32_t{OFP_RC_FAILED});
+            expect_error("expected seconds, above 0 to 3600");
+        }
+    });
+}
+
 TEST_F(Service, ProgramThatIsMissingOrNoProgramIsNamed)
 {
     write_file("script", "not a program");
