@@ -226,7 +226,8 @@ TEST_F(Item, CopiesASetFieldActionWithoutBlock)
 
 TEST_F(Item, DestroysOnlyActionsOfTheTypesItMakes)
 {
-    for (uint32_t type : {0u, 11u, 12u, 15u, 19u, 22u, 24u, 26u, 27u, 61440u, 61443u, 61445u, 65535u})
+    for (uint32_t type :
+         {0u, 11u, 12u, 15u, 19u, 22u, 24u, 26u, 27u, 61440u, 61443u, 61445u, 65535u})
         EXPECT_TRUE(is_destroyed(type)) << type;
     for (uint32_t type : {1u, 5u, 10u, 13u, 14u, 28u, 61439u, 61446u, 65534u, 65536u})
         EXPECT_FALSE(is_destroyed(type)) << type;

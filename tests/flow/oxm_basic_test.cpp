@@ -194,4 +194,4 @@ TEST_P(OxmBasic, AnnouncesAMaskAndWritesItWhereTheFieldHasOne)
 }
 
 INSTANTIATE_TEST_SUITE_P(Fields, OxmBasic, ::testing::ValuesIn(rows),
-                         [](const auto &info) { return "Bit" + std::to_string(info.param.bit); });
+                         [](const auto &row) { return "Bit" + std::to_string(row.param.bit); });

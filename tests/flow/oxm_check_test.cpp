@@ -122,7 +122,8 @@ TEST(OxmCheck, TheReservedWordIsZero)
 
 TEST(OxmCheck, BatchInterfacesAreOneToTenThousand)
 {
-    const std::pair<uint32_t, uint32_t> cases[] = {{0, refused}, {1, ok}, {10000, ok}, {10001, refused}};
+    const std::pair<uint32_t, uint32_t> cases[] = {
+        {0, refused}, {1, ok}, {10000, ok}, {10001, refused}};
     for (auto [count, code] : cases) {
         Rule rule;
         rule.has({59});

@@ -70,8 +70,8 @@ TEST_F(OxmExperimenter, ItemsFollowOneAnotherWithTheirHeaders)
     for (const Row &row : rows) {
         rule.experimenter(row.type, hex(row.data));
         const Bytes payload = hex(row.payload);
-        expected += item(static_cast<uint8_t>(row.type), static_cast<uint8_t>(payload.size() + 4),
-                         payload);
+        expected +=
+            item(static_cast<uint8_t>(row.type), static_cast<uint8_t>(payload.size() + 4), payload);
     }
     EXPECT_EQ(written(), expected);
 }
@@ -85,8 +85,8 @@ TEST_F(OxmExperimenter, ATypeWithoutEncoderIsAHeaderThatCountsItsLength)
 TEST_F(OxmExperimenter, ATypeBeyondTheTableIsTreatedTheSame)
 {
     rule.experimenter(64, hex("01")).experimenter(65, hex("01")).experimenter(0xffffffff, {});
-    EXPECT_EQ(written(), hex("ffff 80 05 00000fe2") + hex("ffff 82 05 00000fe2") +
-                             hex("ffff fe 04 00000fe2"));
+    EXPECT_EQ(written(),
+              hex("ffff 80 05 00000fe2") + hex("ffff 82 05 00000fe2") + hex("ffff fe 04 00000fe2"));
 }
 
 TEST_F(OxmExperimenter, TheHeaderKeepsTheLowEightBitsOfTheLength)

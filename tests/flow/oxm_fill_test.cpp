@@ -118,7 +118,7 @@ TEST(OxmFill, AllFieldsTogether)
     rule.item.match.fields = ~uint64_t{0};
     const Bytes match = filled(rule);
     // headers of 40 + 6 fields, values of 178 + 80 + 8 + 2 + 1 + 4 + 2 bytes
-    const size_t values = 4 + 4 + 8 + 6 + 6 + 2 + 2 + 4 + 8 + 12 + 2 + 2 + 8 + 12 + 32 + 4 + 2 + 16 +
-                          12 + 4 + 2 + 4 + 8 + 2;
+    const size_t values = 4 + 4 + 8 + 6 + 6 + 2 + 2 + 4 + 8 + 12 + 2 + 2 + 8 + 12 + 32 + 4 + 2 +
+                          16 + 12 + 4 + 2 + 4 + 8 + 2;
     EXPECT_EQ(match.u16(2), 4 + 46 * 4 + values + 80 + 8 + 2 + 1 + 4 + 2);
 }

@@ -87,8 +87,7 @@ TEST(OxmPrivate, BatchInterfacesAreCutIntoChunksOf62)
     Rule none, one, whole, more;
     EXPECT_EQ(encoded(OFP_encodeoxm_PrivBatchIf, none.has({59})), Bytes());
     EXPECT_EQ(encoded(OFP_encodeoxm_PrivBatchIf, one.interfaces(1)), chunk(1, 1, "ffff 76 08"));
-    EXPECT_EQ(encoded(OFP_encodeoxm_PrivBatchIf, whole.interfaces(62)),
-              chunk(1, 62, "ffff 76 fc"));
+    EXPECT_EQ(encoded(OFP_encodeoxm_PrivBatchIf, whole.interfaces(62)), chunk(1, 62, "ffff 76 fc"));
     EXPECT_EQ(encoded(OFP_encodeoxm_PrivBatchIf, more.interfaces(63)),
               chunk(1, 62, "ffff 76 fc") + chunk(63, 63, "ffff 76 08"));
 }
