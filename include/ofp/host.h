@@ -142,10 +142,10 @@ uint32_t HOST_GetSelectedInterfaces(const HostIfSelection *selection, uint32_t *
                                     uint32_t capacity);
 
 /* ---- Start-up options ----
- * OPT_ParseEx(int *argc, char **argv, table, count) reads argv[1] to argv[*argc - 1], which must all
- * be options of the table: --Name=value or --Name value, decimal or 0x hexadecimal, the last one of
- * a name counts. A program with options of its own takes those out first. Nothing is stored unless
- * everything is right; HOST_LastError names the culprit. */
+ * OPT_ParseEx(int *argc, char **argv, table, count) reads argv[1] to argv[*argc - 1], which must
+ * all be options of the table: --Name=value or --Name value, decimal or 0x hexadecimal, the last
+ * one of a name counts. A program with options of its own takes those out first. Nothing is stored
+ * unless everything is right; HOST_LastError names the culprit. */
 
 OFP_END_DECLS
 

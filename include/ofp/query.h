@@ -47,20 +47,20 @@ typedef struct OfpSummaryElement {
 } OfpSummaryElement;
 
 typedef struct OfpMeterEntry {
-    uint32_t value_u32; /* TLV 117, byte 0 */
-    uint16_t value_u16; /* TLV 117, byte 4 */
+    uint32_t meter_id;
+    uint16_t flags; /* OpenFlow 1.3 meter flags */
     uint16_t reserved;
     OfpLink bands;
 } OfpMeterEntry;
 
 typedef struct OfpMeterBandElement {
     OfpLink link;
-    uint64_t value_u64_0;
-    uint64_t value_u64_8;
-    uint32_t value_u32_16;
-    uint32_t value_u32_20;
-    uint16_t value_u16_24;
-    uint8_t value_u8_32;
+    uint64_t packet_count;
+    uint64_t byte_count;
+    uint32_t rate;       /* kb/s or packets/s */
+    uint32_t burst_size; /* kb or packets */
+    uint16_t type;       /* OpenFlow band type */
+    uint8_t prec_level;  /* DSCP remark */
     uint8_t reserved[5];
 } OfpMeterBandElement;
 

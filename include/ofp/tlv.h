@@ -245,7 +245,7 @@
 /* clang-format on */
 
 enum {
-#define OFP_ROW(number, name) OFP_TLV_##name = number,
+#define OFP_ROW(number, name) OFP_TLV_##name = (number),
     OFP_TLV_TYPES(OFP_ROW)
 #undef OFP_ROW
 };

@@ -1,14 +1,16 @@
 /*
- * Wire structures: every value that travels between the library and the agent daemon, and the
- * conversion of each between host and network byte order.
+ * Wire structures: every value that travels between the library and the agent daemon.
  *
  * A record is laid out in memory exactly as on the wire. Its numbers travel in network byte order,
- * its byte fields as they lie; a number whose comment says "as it lies" is not converted either.
- * The library converts a copy when it sends, so that the caller's record keeps host order, and the
- * caller's whole record when it receives, whatever was received into it.
+ * its byte fields as they lie, and so does a number whose comment says "as it lies". The library
+ * converts a copy when it sends, so that the caller's record keeps host order, and the caller's
+ * whole record when it receives, whatever part of it was received.
  *
- * reserved_N are the alignment bytes at byte N: zero when sent. opaque_N are bytes that only the
- * daemon knows, value_uW_N a W-bit number of that kind.
+ * OFP_bswap_X (ofp_bswap_X where the ABI spells it so) converts an OfpX in place, at any address;
+ * twice gives the original. A record without such a call is converted by OFP_bswap_ByteSwap alone.
+ *
+ * Members named reserved_N lie at byte N and are zero when sent. opaque_N are bytes, value_uW_N a
+ * W-bit number, that only the agent daemon gives a meaning.
  */
 #ifndef OFP_WIRE_H
 #define OFP_WIRE_H

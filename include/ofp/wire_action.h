@@ -1,9 +1,4 @@
-/*
- * Actions of a flow rule. Each begins with the action head, which its conversion turns first.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Actions of a flow rule. Each begins with the action head. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_ACTION_H
 #define OFP_WIRE_ACTION_H
 

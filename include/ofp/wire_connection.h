@@ -1,9 +1,4 @@
-/*
- * How an instance behaves towards its controllers, and its functions.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* How an instance behaves towards its controllers, and its functions. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_CONNECTION_H
 #define OFP_WIRE_CONNECTION_H
 

@@ -1,9 +1,4 @@
-/*
- * Controllers, auxiliary connections, OAP servers.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Controllers, auxiliary connections, OAP servers. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_CONTROLLER_H
 #define OFP_WIRE_CONTROLLER_H
 

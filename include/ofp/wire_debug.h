@@ -1,9 +1,4 @@
-/*
- * Debugging, logging and flow monitors.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Debugging, logging and flow monitors. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_DEBUG_H
 #define OFP_WIRE_DEBUG_H
 

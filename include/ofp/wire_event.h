@@ -1,9 +1,4 @@
-/*
- * Applications, their events and packets.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Applications, their events and packets. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_EVENT_H
 #define OFP_WIRE_EVENT_H
 

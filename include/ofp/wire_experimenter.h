@@ -1,9 +1,4 @@
-/*
- * Experimenter matches and actions.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Experimenter matches and actions. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_EXPERIMENTER_H
 #define OFP_WIRE_EXPERIMENTER_H
 

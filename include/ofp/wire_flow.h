@@ -1,9 +1,5 @@
-/*
- * What programs flow rules and groups: the client head, and OpenFlow 1.3 messages.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* What programs flow rules and groups: the client head, and OpenFlow 1.3 messages. Conventions:
+ * ofp/wire.h. */
 #ifndef OFP_WIRE_FLOW_H
 #define OFP_WIRE_FLOW_H
 

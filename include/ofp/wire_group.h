@@ -1,9 +1,4 @@
-/*
- * Groups and buckets.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Groups and buckets. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_GROUP_H
 #define OFP_WIRE_GROUP_H
 

@@ -1,9 +1,4 @@
-/*
- * OpenFlow instances.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* OpenFlow instances. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_INSTANCE_H
 #define OFP_WIRE_INSTANCE_H
 
@@ -195,11 +190,11 @@ typedef struct OfpContextInfo {
 } OfpContextInfo;
 OFP_PIN_SIZE(OfpContextInfo, 24);
 
-/* TLV 154: precedence of an instance. The last word travels as it lies. */
+/* TLV 154: precedence of an instance. */
 typedef struct OfpPrecedence {
     uint16_t instance_id;
     uint16_t precedence;
-    uint32_t present; /* 1 when set */
+    uint32_t present; /* 1 when set; as it lies */
 } OfpPrecedence;
 OFP_PIN_SIZE(OfpPrecedence, 8);
 

@@ -1,9 +1,4 @@
-/*
- * Match of a flow rule.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Match of a flow rule. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_MATCH_H
 #define OFP_WIRE_MATCH_H
 

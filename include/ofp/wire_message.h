@@ -1,9 +1,4 @@
-/*
- * The envelope of every datagram, and what belongs to no other topic.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* The envelope of every datagram, and what belongs to no other topic. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_MESSAGE_H
 #define OFP_WIRE_MESSAGE_H
 

@@ -1,9 +1,4 @@
-/*
- * Meters and queues.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Meters and queues. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_METER_H
 #define OFP_WIRE_METER_H
 

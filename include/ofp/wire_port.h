@@ -1,9 +1,4 @@
-/*
- * Ports and interfaces.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Ports and interfaces. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_PORT_H
 #define OFP_WIRE_PORT_H
 

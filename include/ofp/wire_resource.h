@@ -1,9 +1,4 @@
-/*
- * Resources, caches and queues of the device.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Resources, caches and queues of the device. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_RESOURCE_H
 #define OFP_WIRE_RESOURCE_H
 

@@ -1,9 +1,4 @@
-/*
- * Flow rules.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Flow rules. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_RULE_H
 #define OFP_WIRE_RULE_H
 

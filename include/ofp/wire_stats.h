@@ -1,9 +1,4 @@
-/*
- * Statistics of flow rules.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Statistics of flow rules. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_STATS_H
 #define OFP_WIRE_STATS_H
 

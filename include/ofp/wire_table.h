@@ -1,9 +1,4 @@
-/*
- * Flow tables.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* Flow tables. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_TABLE_H
 #define OFP_WIRE_TABLE_H
 

@@ -1,9 +1,4 @@
-/*
- * VLANs and MAC addresses.
- *
- * Each routine converts its record in place between host and network byte order; twice gives the
- * original.
- */
+/* VLANs and MAC addresses. Conventions: ofp/wire.h. */
 #ifndef OFP_WIRE_VLAN_H
 #define OFP_WIRE_VLAN_H
 

@@ -1,6 +1,5 @@
 // Conversions that are part of the table only.
-#ifndef WIRE_CONVERTERS_H
-#define WIRE_CONVERTERS_H
+#pragma once
 
 namespace ofp {
 
@@ -34,5 +33,3 @@ void bswap_EnablePayloadFunction(void *value);
 void bswap_Reserved218(void *value);
 
 } // namespace ofp
-
-#endif

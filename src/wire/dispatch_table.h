@@ -1,6 +1,5 @@
 // Tables from a number to what handles it, checked while the library is compiled.
-#ifndef WIRE_DISPATCH_TABLE_H
-#define WIRE_DISPATCH_TABLE_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -64,5 +63,3 @@ consteval DispatchTable<Handler, last> by_number(const DispatchRow<Handler> (&ro
 }
 
 } // namespace ofp
-
-#endif

@@ -1,6 +1,5 @@
 // In-place exchange of byte order, member by member.
-#ifndef WIRE_SWAP_MEMBERS_H
-#define WIRE_SWAP_MEMBERS_H
+#pragma once
 
 #include <bit>
 #include <cstddef>
@@ -32,7 +31,8 @@ struct WireInteger<OfpUnaligned32> : std::type_identity<uint32_t> {};
 template <>
 struct WireInteger<OfpUnaligned64> : std::type_identity<uint64_t> {};
 
-// Through memcpy: a record may lie at an odd address, a member of a packed one often does.
+// Through memcpy: a record may lie at an odd address, a member of a packed one often does. A member
+// pointer is the member's offset in the ABI of g++ and clang.
 template <typename Record, typename Member>
 void swap_member(Member Record::*member, uint8_t *record)
 {
@@ -54,5 +54,3 @@ void swap_members(void *record)
 }
 
 } // namespace ofp
-
-#endif
