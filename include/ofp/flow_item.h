@@ -119,15 +119,16 @@ typedef struct OfpBatchIfData {
  * 37 flow flag and 44 reserve (u32), 38 string (u32 kind, then text), 43 and 49 BSSID (6 bytes),
  * 47 inner VLAN (u16), 48 egress port (u32), 50 EAPOL (2 bytes), 52 service (u32), 54 to 57 L4 port
  * range (u16 low, u16 high). */
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wpedantic" /* C++ has flexible arrays by courtesy */
 typedef struct OfpExpMatchItem {
     uint32_t type;
     uint16_t length;
     uint16_t reserved;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic" /* C has this array, C++ as an extension */
     uint8_t data[];
-} OfpExpMatchItem;
 #pragma GCC diagnostic pop
+} OfpExpMatchItem;
+OFP_PIN_SIZE(OfpExpMatchItem, 8);
 
 typedef struct OfpExpMatchList {
     uint32_t count;

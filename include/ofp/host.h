@@ -10,6 +10,7 @@
  *   OFP_RUNTIME_DIR    directory of the socket and lock files, an absolute path
  *   OFP_HOST_CONFIG    TOML file that describes the switch (docs/host-port.md)
  *   OFP_AGENT          the agent's program file
+ *   OFP_AGENT_OPTIONS  start-up options that SERVICE_Start hands to the agent, between blanks
  *   OFP_START_TIMEOUT  seconds that a start may take, 10 unless set; "0.5" is allowed
  *   OFP_TRACE          pcapng file that records every datagram; %p in the name is the process id
  */
@@ -69,6 +70,10 @@ int32_t HOST_ListenAgent(uint16_t node);
 /* The process that holds the node's lock, serving or not; 0 when there is none, -1 on error. Asked
  * of the kernel, so never stale. */
 int32_t HOST_GetAgentPid(uint16_t node);
+
+/* Stores the path of the program that a start would run: $OFP_AGENT, else ../bin/ofp-agent of the
+ * folder that holds this library, else the first in PATH. -1 when there is none. */
+int32_t HOST_GetAgentProgram(char *path, size_t size);
 
 #define HOST_HANGUP (-2)
 

@@ -16,10 +16,10 @@ template <typename Handler, uint32_t last>
 struct DispatchTable {
     Handler slots[last + 1] = {};
 
-    // Null for a number without handler or beyond the table.
+    // Empty for a number without handler or beyond the table.
     constexpr Handler operator[](uint64_t number) const
     {
-        return number <= last ? slots[number] : nullptr;
+        return number <= last ? slots[number] : Handler{};
     }
 };
 

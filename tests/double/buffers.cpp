@@ -130,7 +130,8 @@ void Bitmap_H2N(Bitmap *map)
 
 size_t scnprintf(char *buffer, size_t size, const char *format, ...)
 {
-    platform.enter({"scnprintf", {size}, {}, format});
+    if (auto outcome = platform.enter({"scnprintf", {size}, {}, format}))
+        return static_cast<size_t>(outcome->result);
     va_list arguments;
     va_start(arguments, format);
     int wanted = std::vsnprintf(buffer, size, format, arguments);

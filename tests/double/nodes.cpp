@@ -14,11 +14,13 @@ namespace {
 
 constexpr test::Outcome failure{platform_failure};
 
-// An outcome that was asked for, else 0.
-uint32_t answer(Call call)
+// The outcome that was asked for; none: do what the call does.
+std::optional<uint32_t> answer(Call call)
 {
     auto outcome = platform.enter(std::move(call), failure);
-    return outcome ? static_cast<uint32_t>(outcome->result) : 0;
+    if (!outcome)
+        return std::nullopt;
+    return static_cast<uint32_t>(outcome->result);
 }
 
 // The same for values that no failure is known of.
@@ -57,8 +59,8 @@ uint16_t LIP_GetLocalLip(void) { return value16("LIP_GetLocalLip", {}, platform.
 
 uint32_t SERVICE_GetStatus(uint16_t node, const char *name, uint32_t instance, uint32_t *status)
 {
-    if (uint32_t code = answer({"SERVICE_GetStatus", {node, instance}, {}, name}))
-        return code;
+    if (auto code = answer({"SERVICE_GetStatus", {node, instance}, {}, name}))
+        return *code;
     test::Node *found = platform.find_node(node);
     *status = found && found->runs ? 0x80 : 0; // any value but 0 says that it runs
     return 0;
@@ -66,8 +68,8 @@ uint32_t SERVICE_GetStatus(uint16_t node, const char *name, uint32_t instance, u
 
 uint32_t SERVICE_Start(uint16_t node, const char *name, uint32_t argument1, uint32_t argument2)
 {
-    if (uint32_t code = answer({"SERVICE_Start", {node, argument1, argument2}, {}, name}))
-        return code;
+    if (auto code = answer({"SERVICE_Start", {node, argument1, argument2}, {}, name}))
+        return *code;
     start(node);
     return 0;
 }
@@ -77,8 +79,8 @@ uint32_t SERVICE_BatchStart(const uint16_t *nodes, uint32_t count, const char *n
 {
     Call call{"SERVICE_BatchStart", {count, argument1, argument2}, {}, name};
     call.bytes = test::bytes_of(nodes, count * sizeof *nodes);
-    if (uint32_t code = answer(call))
-        return code;
+    if (auto code = answer(call))
+        return *code;
     for (uint32_t i = 0; i < count; ++i)
         start(nodes[i]);
     return 0;
@@ -113,19 +115,25 @@ uint16_t IF_IsNodeUp(uint16_t node)
     return value16("IF_IsNodeUp", {node}, found && found->up ? 0x100 : 0);
 }
 
-uint32_t IF_Select_Init(uint32_t mode, void *) { return answer({"IF_Select_Init", {mode}}); }
+uint32_t IF_Select_Init(uint32_t mode, void *)
+{
+    return answer({"IF_Select_Init", {mode}}).value_or(0);
+}
 
-uint32_t IF_SelectType_Set(uint32_t type, void *) { return answer({"IF_SelectType_Set", {type}}); }
+uint32_t IF_SelectType_Set(uint32_t type, void *)
+{
+    return answer({"IF_SelectType_Set", {type}}).value_or(0);
+}
 
 uint32_t IF_SelectCondition_Set(uint32_t condition, void *)
 {
-    return answer({"IF_SelectCondition_Set", {condition}});
+    return answer({"IF_SelectCondition_Set", {condition}}).value_or(0);
 }
 
 uint32_t IF_GetDataByIfIndex(uint32_t index, uint32_t item, void *out)
 {
-    if (uint32_t code = answer({"IF_GetDataByIfIndex", {index, item}}))
-        return code;
+    if (auto code = answer({"IF_GetDataByIfIndex", {index, item}}))
+        return *code;
     auto found = platform.interface_types.find(index);
     if (found == platform.interface_types.end())
         return platform_failure;
@@ -142,8 +150,8 @@ uint16_t VLAN_GetMinVlanID(void) { return value16("VLAN_GetMinVlanID", {}, platf
 
 uint32_t MAC_GetBridgeAddress(uint8_t mac[6])
 {
-    if (uint32_t code = answer({"MAC_GetBridgeAddress", {}}))
-        return code;
+    if (auto code = answer({"MAC_GetBridgeAddress", {}}))
+        return *code;
     if (!platform.bridge_mac)
         return platform_failure;
     std::memcpy(mac, platform.bridge_mac->data(), 6);
@@ -158,8 +166,8 @@ uint32_t OPT_ParseEx(void *source1, void *source2, const OptEntry *table, uint32
     for (uint32_t i = 0; i < count; ++i)
         call.text += std::string(i ? " " : "") + table[i].name + ":" +
                      std::to_string(table[i].kind) + ":" + std::to_string(table[i].size);
-    if (uint32_t code = answer(call))
-        return code;
+    if (auto code = answer(call))
+        return *code;
     for (uint32_t i = 0; i < count; ++i) {
         auto given = platform.options.find(table[i].name);
         if (given != platform.options.end())
@@ -174,8 +182,8 @@ uint32_t CIOCTL(int16_t node, uint32_t command, const void *in, uint32_t in_leng
     Call call{"CIOCTL", {uint64_t(int64_t(node)), command, in_length, out_size}};
     if (in_length != 0)
         call.bytes = test::bytes_of(in, in_length);
-    if (uint32_t code = answer(call))
-        return code;
+    if (auto code = answer(call))
+        return *code;
     std::memcpy(out, platform.device_answer.data(),
                 std::min<size_t>(out_size, platform.device_answer.size()));
     *out_length = platform.device_answer_length;

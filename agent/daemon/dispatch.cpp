@@ -1,0 +1,164 @@
+#include "daemon/dispatch.h"
+
+#include <array>
+#include <new>
+
+#include "daemon/handler.h"
+
+namespace agent {
+
+namespace {
+
+// Who writes the answer to a request that was carried out.
+enum class Answer : uint8_t {
+    handler, // the handler; a message without an answer has nothing written
+    result,  // a result reply with code 0
+};
+
+struct Route {
+    uint32_t message;
+    Handler *handler;
+    Answer answer = Answer::handler;
+};
+
+constexpr Route ROUTES[] = {
+    {OFP_MSG_ADD_INSTANCE, add_instance, Answer::result},
+    {OFP_MSG_GET_INSTANCE_EXIST, instance_exists},
+    {OFP_MSG_GET_NEXT_INSTANCE, next_instance},
+
+    {OFP_MSG_SMOOTH_START, smooth_start},
+    {OFP_MSG_SMOOTH_END, smooth_end},
+    {OFP_MSG_FLOW_RULE, flow_rules},
+    {OFP_MSG_SET_GROUP, set_group},
+    {OFP_MSG_DEL_GROUP, delete_group},
+
+    {OFP_MSG_GET_NEXT_TABLE_ID, next_table},
+    {OFP_MSG_GET_TABLE_INFO, table_info},
+    {OFP_MSG_MIB_GET_TABLE_INFO, mib_table_info},
+    {OFP_MSG_MIB_GET_NEXT_TABLE_INFO, next_mib_table_info},
+    {OFP_MSG_GET_CACHE_INFO, cache_info},
+
+    {OFP_MSG_GET_NEXT_RULE_ID, next_rule},
+    {OFP_MSG_GET_NEXT_NO_EFFECTIVE_RULE_ID, next_rule_not_in_effect},
+    {OFP_MSG_GET_NEXT_RULE_ID_BY_MATCH, next_rule_by_match},
+    {OFP_MSG_GET_RULE_STATS, rule_stats},
+    {OFP_MSG_GET_RULE_INFO, rule_info},
+    {OFP_MSG_GET_MISS_RULE_STATS, miss_rule_stats},
+    {OFP_MSG_GET_MISS_RULE_INFO, miss_rule_info},
+
+    {OFP_MSG_GET_GROUP_TABLE, group_table},
+    {OFP_MSG_GET_NEXT_GROUP_ID, next_group},
+    {OFP_MSG_GET_GROUP_SUMMARY, group_summary},
+};
+
+// Requests are numbered from 1 within their family, which the upper four bits name.
+constexpr uint32_t FAMILY_SIZE = 64;
+constexpr size_t SLOTS = 6 * FAMILY_SIZE;
+
+constexpr size_t slot_of(uint32_t message)
+{
+    const uint32_t family = message >> 28;
+    const uint32_t number = message & 0x0fffffff;
+    return family < SLOTS / FAMILY_SIZE && number < FAMILY_SIZE ? family * FAMILY_SIZE + number
+                                                                : SLOTS;
+}
+
+struct Entry {
+    const char *name = nullptr;
+    const Route *route = nullptr;
+};
+
+constexpr auto ENTRIES = [] {
+    std::array<Entry, SLOTS + 1> entries{}; // the last stands for every other number
+#define OFP_ROW(name, code) entries[slot_of(static_cast<uint32_t>(code))] = {#name, nullptr};
+    OFP_MESSAGE_CODES(OFP_ROW)
+#undef OFP_ROW
+    for (const Route &route : ROUTES) {
+        entries[slot_of(route.message)].route = &route;
+    }
+    entries[SLOTS] = {};
+    return entries;
+}();
+
+const Entry &entry_of(uint32_t message) { return ENTRIES[slot_of(message)]; }
+
+bool is_request(uint32_t message) { return message >> 28 != OFP_MSG_RESULT >> 28; }
+
+uint32_t carry_out(const Request &request, Outbox &out, Model &model)
+{
+    const Entry &entry = entry_of(request.code);
+    if (!entry.name || !is_request(request.code)) {
+        return UNKNOWN_MESSAGE;
+    }
+    if (!entry.route) {
+        return NOT_SUPPORTED;
+    }
+    Reply reply(out);
+    if (entry.route->answer == Answer::result) {
+        reply.reserve(1, 64);
+    }
+    const uint32_t code = entry.route->handler(request, reply, model);
+    if (code == 0 && entry.route->answer == Answer::result) {
+        reply.result(0);
+    }
+    return code;
+}
+
+} // namespace
+
+Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcept
+{
+    Request request;
+    const bool readable = read_request(datagram, request) == 0;
+    Outcome outcome{readable ? request.code : 0, code, false};
+    ++model.counters.refused;
+    const size_t before = out.bytes();
+    try {
+        Reply(out).result(code);
+    } catch (const std::bad_alloc &) {
+        out.rollback(before);
+        outcome.hang_up = true;
+    }
+    return outcome;
+}
+
+Outcome answer(Bytes datagram, Outbox &out, Model &model) noexcept
+{
+    ++model.counters.datagrams;
+    const size_t before = out.bytes();
+    Request request;
+    uint32_t code = read_request(datagram, request);
+    try {
+        code = code ? code : carry_out(request, out, model);
+    } catch (const std::bad_alloc &) {
+        out.rollback(before);
+        ++model.counters.refused;
+        return {request.code, OFP_RC_NO_RESOURCE, true};
+    }
+    if (code == 0) {
+        return {request.code, 0, false};
+    }
+    out.rollback(before);
+    return refuse(datagram, code, out, model);
+}
+
+const char *message_name(uint32_t code)
+{
+    const char *const name = entry_of(code).name;
+    return name ? name : "unknown";
+}
+
+const char *result_text(uint32_t code)
+{
+    switch (code) {
+#define OFP_ROW(name, value, text)                                                                 \
+    case static_cast<uint32_t>(value):                                                             \
+        return text;
+        OFP_RESULT_CODES(OFP_ROW)
+        OFP_AGENT_RESULT_CODES(OFP_ROW)
+#undef OFP_ROW
+    }
+    return "unknown result code";
+}
+
+} // namespace agent

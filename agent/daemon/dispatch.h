@@ -1,0 +1,27 @@
+// From a datagram to its answer.
+#pragma once
+
+#include <cstdint>
+
+#include "daemon/model.h"
+#include "daemon/outbox.h"
+#include "daemon/request.h"
+
+namespace agent {
+
+struct Outcome {
+    uint32_t message = 0; // its code, as far as it could be read
+    uint32_t code = 0;    // 0, or why it was refused
+    bool hang_up = false; // memory was short: the client cannot be answered
+};
+
+// Answers one datagram. Whatever it holds, the model stays whole and nothing is thrown.
+Outcome answer(Bytes datagram, Outbox &out, Model &model) noexcept;
+
+// Refuses whatever the datagram holds.
+Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcept;
+
+// "SET_ECHO_TIME"; "unknown" for a code no message has.
+const char *message_name(uint32_t code);
+
+} // namespace agent

@@ -1,0 +1,48 @@
+// Datagrams that wait to be sent, in order, in one block of memory.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace agent {
+
+using Bytes = std::span<const uint8_t>;
+
+class Outbox {
+public:
+    // Room for this many further datagrams of this many bytes in all: appending them then neither
+    // allocates nor fails. Throws std::bad_alloc and changes nothing.
+    void reserve(size_t datagrams, size_t bytes);
+
+    void append(Bytes datagram);
+    uint8_t *append(size_t bytes); // the room to write the datagram to
+
+    // A datagram written piece by piece. Between begin and end nothing else may be appended.
+    void begin();
+    uint8_t *extend(size_t bytes); // the room for the next piece
+    void end();
+    size_t open_size() const { return block_.size() - open_; } // bytes written since begin
+
+    bool empty() const { return head_ == block_.size(); }
+    size_t bytes() const { return block_.size() - head_; }
+
+    // Back to when bytes() was this; nothing may have been dropped since.
+    void rollback(size_t bytes) { block_.resize(head_ + bytes); }
+
+    // The first datagrams, as many as there are and fit; drop takes them away once they are sent.
+    size_t front(std::span<Bytes> datagrams) const;
+    void drop(size_t datagrams);
+
+    void clear();
+
+private:
+    using Length = uint32_t; // stands before each datagram
+
+    std::vector<uint8_t> block_;
+    size_t head_ = 0; // what stands before it was sent
+    size_t open_ = 0; // where the datagram being written begins
+};
+
+} // namespace agent

@@ -1,0 +1,46 @@
+// Result codes that this agent adds to those of the library: what a result reply says when a
+// request is refused.
+#pragma once
+
+#include <cstdint>
+
+// Row: name without its prefix, code, sentence.
+#define OFP_AGENT_RESULT_CODES(X)                                                                  \
+    /* the datagram */                                                                             \
+    X(EMPTY_DATAGRAM, 0x42300100, "the datagram is empty")                                         \
+    X(TOO_LONG, 0x42300101, "the datagram is longer than 65535 bytes")                             \
+    X(NO_MESSAGE_HEAD, 0x42300102, "the datagram does not begin with a message head")              \
+    X(UNKNOWN_MESSAGE, 0x42300103, "no message has this code")                                     \
+    X(NOT_SUPPORTED, 0x42300104, "this agent does not answer this message")                        \
+    X(BAD_TLV, 0x42300105, "a TLV is cut short")                                                   \
+    X(MISSING_TLV, 0x42300106, "a TLV that the message needs is missing")                          \
+    X(BAD_TLV_LENGTH, 0x42300107, "a TLV does not have the length of its type")                    \
+    X(TRAILING_BYTES, 0x42300108, "bytes follow the last TLV of the message")                      \
+    X(OTHER_USER, 0x42300109, "the agent serves only the user it runs as")                         \
+    X(REPLY_TOO_LONG, 0x4230010a, "the answer does not fit into 49152 bytes")                      \
+    /* instances */                                                                                \
+    X(BAD_INSTANCE_ID, 0x42300110, "an instance id is 1 to 65534")                                 \
+    X(BAD_FILTER, 0x42300111, "the instance filter is cut short or of a kind above 5")             \
+    X(BAD_TABLE_ID, 0x42300112, "a table id of an instance is 0 to 254, of a client not 200")      \
+    X(DUPLICATE_TABLE, 0x42300113, "a table is listed twice")                                      \
+    X(INSTANCE_DIFFERS, 0x42300114, "the instance exists with other tables or another filter")     \
+    X(NO_INSTANCE, 0x42300115, "the instance does not exist")                                      \
+    X(NO_TABLE, 0x42300116, "the instance does not have this table")                               \
+    /* rules and groups */                                                                         \
+    X(BAD_CLIENT, 0x42300120, "a client id is 4096 to 4099")                                       \
+    X(NO_RULE, 0x42300121, "the table does not have this rule")                                    \
+    X(BAD_MATCH, 0x42300122, "the match is malformed")                                             \
+    X(NO_GROUP, 0x42300123, "the instance does not have this group")                               \
+    X(NO_NEXT, 0x42300130, "there is no further entry")                                            \
+    X(NOT_PRESENT, 0x42300131, "this switch has nothing of this kind")
+
+namespace agent {
+
+#define OFP_ROW(name, code, text) inline constexpr uint32_t name = code;
+OFP_AGENT_RESULT_CODES(OFP_ROW)
+#undef OFP_ROW
+
+// The sentence of a code of this agent or of the library; "unknown result code" for others.
+const char *result_text(uint32_t code);
+
+} // namespace agent

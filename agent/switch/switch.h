@@ -1,0 +1,103 @@
+// The memory switch: OpenFlow 1.3 flow tables and groups, without packets and without sockets.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <memory_resource>
+#include <optional>
+#include <span>
+
+#include "openflow/wire.h"
+
+namespace agent {
+
+struct SwitchLimits {
+    uint32_t rules_per_table = 1'048'576;
+    uint32_t groups = 65'536;            // per client
+    uint32_t buckets_per_group = 2'048;  // as many as fit into one message
+    uint32_t ports = openflow::OFPP_MAX; // the highest port number an action may name
+};
+
+// Views of what the switch holds. They live until the next change.
+struct RuleView {
+    uint32_t id = 0;
+    uint16_t priority = 0;
+    std::span<const uint8_t> match;        // ofp_match with its pad bytes, as received
+    std::span<const uint8_t> instructions; // as received
+    uint64_t packets = 0;                  // 0: no packets pass a memory switch
+    uint64_t bytes = 0;
+    uint32_t age_seconds = 0;
+    uint64_t cookie = 0;
+    uint16_t flags = 0; // of the flow-mod that added it
+};
+
+struct TableView {
+    uint32_t capacity = 0;
+    uint32_t rules = 0;
+    size_t memory = 0; // bytes
+};
+
+struct GroupView {
+    uint32_t id = 0;
+    uint8_t type = 0;
+    std::span<const uint8_t> buckets; // as received
+    uint32_t bucket_count = 0;
+    uint32_t references = 0; // group actions in the client's rules that name it
+    uint32_t age_seconds = 0;
+};
+
+// Seconds of any clock that does not go back.
+using Clock = uint32_t (*)();
+uint32_t monotonic_seconds();
+
+// Every client is a logical switch of its own, with its own tables, groups and periods. A client or
+// table exists from its first message on. Every operation is all or nothing; one for which memory
+// does not suffice is refused as a full table and changes nothing.
+class Switch {
+public:
+    explicit Switch(const SwitchLimits &limits = {},
+                    std::pmr::memory_resource *memory = std::pmr::new_delete_resource(),
+                    Clock clock = monotonic_seconds);
+    ~Switch();
+    Switch(const Switch &) = delete;
+    Switch &operator=(const Switch &) = delete;
+
+    // One message in network order; nothing returned means that it was applied.
+    std::optional<openflow::Error> flow_mod(uint16_t client, std::span<const uint8_t> message);
+    std::optional<openflow::Error> group_mod(uint16_t client, std::span<const uint8_t> message);
+
+    // A period is the client's promise to program all its rules again. Opening one that is open
+    // changes nothing. Closing removes the rules of the client that were not programmed since it
+    // was opened and returns how many; 0 when no such period is open. False: no memory, not opened.
+    bool open_period(uint16_t client, uint32_t smooth_id);
+    uint64_t close_period(uint16_t client, uint32_t smooth_id);
+
+    // Rule ids begin at 1, ascend, and are unique within a table; an id is given again after its
+    // rule is gone. The smallest id above after, 0 when there is none.
+    uint32_t next_rule(uint16_t client, uint8_t table, uint32_t after) const;
+    // The same among rules whose match is identical to this ofp_match, whatever their priority.
+    uint32_t next_rule_matching(uint16_t client, uint8_t table, uint32_t after,
+                                std::span<const uint8_t> match) const;
+    // The same among rules with an action that names this group.
+    uint32_t next_rule_of_group(uint16_t client, uint8_t table, uint32_t after,
+                                uint32_t group) const;
+    std::optional<RuleView> rule(uint16_t client, uint8_t table, uint32_t id) const;
+
+    TableView table(uint16_t client, uint8_t table) const;
+    std::optional<uint8_t> next_table(uint16_t client, int after) const; // -1 begins
+
+    // Group 0 is a group: -1 begins.
+    std::optional<uint32_t> next_group(uint16_t client, int64_t after) const;
+    std::optional<GroupView> group(uint16_t client, uint32_t id) const;
+    uint32_t group_count(uint16_t client) const;
+
+    // Bytes held for all rules and groups.
+    size_t memory() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+} // namespace agent

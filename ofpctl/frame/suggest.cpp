@@ -1,0 +1,44 @@
+#include "frame/suggest.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "flow/nearest.h"
+
+namespace ofpctl {
+
+std::vector<std::string_view> split(std::string_view text, char separator)
+{
+    std::vector<std::string_view> parts;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(separator), text.size());
+        parts.push_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return parts;
+}
+
+std::string_view nearest(std::string_view word, std::span<const std::string_view> candidates)
+{
+    if (word.empty())
+        return {};
+    Nearest near(word);
+    for (const std::string_view candidate : candidates) {
+        if (candidate.starts_with(word))
+            return candidate;
+        near.offer(candidate);
+    }
+    return near.word();
+}
+
+std::string one_of(std::string_view word, std::span<const std::string_view> candidates)
+{
+    if (const std::string_view meant = nearest(word, candidates); !meant.empty())
+        return fmt::format("did you mean {}?", meant);
+    return fmt::format("one of {}", fmt::join(candidates, ", "));
+}
+
+} // namespace ofpctl

@@ -1,0 +1,13 @@
+// The agent daemon's OpenFlow errors as result codes.
+#ifndef OFP_FLOW_ERROR_MAP_H
+#define OFP_FLOW_ERROR_MAP_H
+
+#include <cstdint>
+
+namespace ofp {
+
+uint32_t map_error(uint16_t type, uint16_t code);
+
+} // namespace ofp
+
+#endif

@@ -1,0 +1,13 @@
+#ifndef UTIL_DAEMON_H
+#define UTIL_DAEMON_H
+
+#include <cstdint>
+
+namespace ofp {
+
+// Whether the agent daemon's service runs on a node; not when the platform cannot tell.
+[[nodiscard]] bool is_daemon_running_on(uint16_t node);
+
+} // namespace ofp
+
+#endif

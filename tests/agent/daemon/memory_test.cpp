@@ -1,0 +1,102 @@
+// Every allocation of the agent's answers fails once: nothing is ever carried out in part.
+#include <cstdlib>
+#include <new>
+
+#include <gtest/gtest.h>
+
+#include "agent/daemon/messages.h"
+
+namespace {
+
+constexpr size_t NEVER = SIZE_MAX;
+size_t until_failure = NEVER; // allocations that succeed before one fails
+
+bool fails() { return until_failure != NEVER && until_failure-- == 0; }
+
+} // namespace
+
+void *operator new(size_t size)
+{
+    void *const block = fails() ? nullptr : std::malloc(size);
+    if (!block) {
+        until_failure = NEVER;
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+void operator delete(void *block) noexcept { std::free(block); }
+void operator delete(void *block, size_t) noexcept { std::free(block); }
+
+namespace agent::test {
+namespace {
+
+constexpr size_t MOST_ALLOCATIONS = 500;
+
+size_t accepted(const Outbox &out)
+{
+    // A rule counts as accepted when its barrier reply is not preceded by its error.
+    Bytes front[64];
+    const size_t count = out.front(front);
+    size_t barriers = 0;
+    size_t errors = 0;
+    for (size_t i = 0; i < count; ++i) {
+        (front[i][1] == 21 ? barriers : errors) += 1;
+    }
+    return barriers - errors;
+}
+
+TEST(Memory, ABatchIsAppliedWithAllItsAnswersOrNotAtAll)
+{
+    const Datagram request = batch({{.in_port = 1}, {.in_port = 2}, {.in_port = 3}, {.table = 9}});
+    bool unhindered = false;
+    for (size_t n = 0; n < MOST_ALLOCATIONS && !unhindered; ++n) {
+        Model model;
+        open_period(model);
+        Outbox out;
+        until_failure = n;
+        const Outcome outcome = answer(request, out, model);
+        unhindered = until_failure != NEVER;
+        until_failure = NEVER;
+        const uint32_t present = model.flow_switch().table(CLIENT, 200).rules;
+        if (outcome.hang_up) {
+            EXPECT_EQ(present, 0u) << n;
+            EXPECT_TRUE(out.empty()) << n;
+        } else {
+            EXPECT_EQ(present, accepted(out)) << n;
+        }
+    }
+    EXPECT_TRUE(unhindered);
+}
+
+TEST(Memory, EveryOtherRequestIsAnsweredOrHungUpOn)
+{
+    const std::vector<Datagram> requests = {
+        smooth_start(),
+        smooth_end(),
+        group_request(0x50000003, group_mod(9)),
+        join({head(0x50000007), hex("007c 0008 0005 0002 00000000 007e 0004 00000000"),
+              hex("0045 0008 0a000000 00000002")}),
+        join({head(0x1000000d), hex("0038 0008 00000001 1001 c8 00")}),
+        join({head(0x10000099)}),
+    };
+    for (const Datagram &request : requests) {
+        bool unhindered = false;
+        for (size_t n = 0; n < MOST_ALLOCATIONS && !unhindered; ++n) {
+            Model model;
+            open_period(model);
+            ask(model, batch({{}}));
+            Outbox out;
+            until_failure = n;
+            const Outcome outcome = answer(request, out, model);
+            unhindered = until_failure != NEVER;
+            until_failure = NEVER;
+            EXPECT_TRUE(!outcome.hang_up || out.empty());
+            EXPECT_EQ(model.flow_switch().table(CLIENT, 200).rules, 1u);
+        }
+        EXPECT_TRUE(unhindered);
+    }
+}
+
+} // namespace
+} // namespace agent::test

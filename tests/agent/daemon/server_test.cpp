@@ -1,0 +1,303 @@
+#include "daemon/server.h"
+
+#include <cerrno>
+#include <cstring>
+#include <optional>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "agent/daemon/messages.h"
+
+namespace agent::test {
+namespace {
+
+// A client's connection.
+class Client {
+public:
+    explicit Client(const sockaddr_un &address, socklen_t length)
+        : fd_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0))
+    {
+        connected_ =
+            fd_ >= 0 && connect(fd_, reinterpret_cast<const sockaddr *>(&address), length) == 0;
+    }
+    Client(Client &&other) noexcept : fd_(std::exchange(other.fd_, -1)), connected_(true) {}
+    Client &operator=(Client &&) = delete;
+    ~Client() { hang_up(); }
+
+    bool connected() const { return connected_; }
+    int fd() const { return fd_; }
+
+    bool send(const Datagram &datagram)
+    {
+        return ::send(fd_, datagram.data(), datagram.size(), MSG_NOSIGNAL) ==
+               static_cast<ssize_t>(datagram.size());
+    }
+    // Empty when nothing is there or the connection has ended.
+    Datagram receive()
+    {
+        Datagram datagram(70'000);
+        const ssize_t got = recv(fd_, datagram.data(), datagram.size(), MSG_DONTWAIT);
+        ended_ = got == 0 || (got < 0 && errno != EAGAIN);
+        datagram.resize(got > 0 ? static_cast<size_t>(got) : 0);
+        return datagram;
+    }
+    // True when the last receive found the connection ended.
+    bool ended() const { return ended_; }
+    void hang_up()
+    {
+        if (fd_ >= 0) {
+            close(fd_);
+            fd_ = -1;
+        }
+    }
+
+private:
+    int fd_;
+    bool connected_ = false;
+    bool ended_ = false;
+};
+
+// A server on a socket without a file, its event loop turned by the test.
+class ServerTest : public testing::Test {
+protected:
+    ServerTest()
+    {
+        const std::string name = "ofp-server-test-" + std::to_string(getpid());
+        address_.sun_family = AF_UNIX;
+        std::memcpy(address_.sun_path + 1, name.data(), name.size());
+        length_ = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
+        listener_ = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+        const int on = 1;
+        setsockopt(listener_, SOL_SOCKET, SO_PASSCRED, &on, sizeof on);
+        bind(listener_, reinterpret_cast<const sockaddr *>(&address_), length_);
+        listen(listener_, 1024);
+        base_ = event_base_new();
+        server_.emplace(base_, listener_, model_);
+        server_->start();
+        open_period(model_);
+    }
+    ~ServerTest() override
+    {
+        server_.reset();
+        event_base_free(base_);
+        close(listener_);
+    }
+
+    Client connect_client() { return Client(address_, length_); }
+
+    // Until a turn finds nothing to do.
+    void turn()
+    {
+        for (int idle = 0; idle < 2;) {
+            idle = event_base_loop(base_, EVLOOP_NONBLOCK) == 0 && !pending() ? idle + 1 : 0;
+        }
+    }
+    bool pending() const { return event_base_get_num_events(base_, EVENT_BASE_COUNT_ACTIVE) > 0; }
+
+    // One request, its answers.
+    std::vector<Datagram> exchange(Client &client, const Datagram &request)
+    {
+        EXPECT_TRUE(client.send(request));
+        turn();
+        std::vector<Datagram> answers;
+        for (Datagram answer; !(answer = client.receive()).empty();) {
+            answers.push_back(answer);
+        }
+        return answers;
+    }
+
+    uint32_t rules() const { return model_.flow_switch().table(CLIENT, 200).rules; }
+
+    sockaddr_un address_{};
+    socklen_t length_ = 0;
+    int listener_ = -1;
+    Model model_;
+    event_base *base_ = nullptr;
+    std::optional<Server> server_;
+};
+
+TEST_F(ServerTest, AnswersABatchOneDatagramAMessage)
+{
+    Client client = connect_client();
+    EXPECT_EQ(exchange(client, batch({{.in_port = 1}, {.in_port = 2}})),
+              (std::vector<Datagram>{barrier_reply(0), barrier_reply(1)}));
+    EXPECT_EQ(server_->connections(), 1u);
+    client.hang_up();
+    turn();
+    EXPECT_EQ(server_->connections(), 0u);
+}
+
+TEST_F(ServerTest, ARequestThatWasSentBeforeAHangUpIsCarriedOut)
+{
+    Client client = connect_client();
+    client.send(smooth_end(CLIENT));
+    client.send(batch({{}}));
+    client.hang_up();
+    turn();
+    EXPECT_EQ(rules(), 1u);
+    EXPECT_EQ(server_->connections(), 0u);
+}
+
+TEST_F(ServerTest, TellsAnEmptyDatagramFromAHangUp)
+{
+    Client client = connect_client();
+    client.send({});
+    client.send(batch({{}}));
+    turn();
+    EXPECT_EQ(client.receive(), result(EMPTY_DATAGRAM));
+    EXPECT_EQ(client.receive(), barrier_reply(0));
+    EXPECT_EQ(server_->connections(), 1u);
+    client.send({});
+    client.hang_up();
+    turn();
+    EXPECT_EQ(server_->connections(), 0u);
+}
+
+TEST_F(ServerTest, RefusesADatagramThatIsTooLongAndGoesOn)
+{
+    Client client = connect_client();
+    EXPECT_EQ(exchange(client, Datagram(65'536, 0)), (std::vector<Datagram>{result(TOO_LONG)}));
+    EXPECT_EQ(exchange(client, Datagram(65'535, 0)),
+              (std::vector<Datagram>{result(NO_MESSAGE_HEAD)}));
+    EXPECT_EQ(exchange(client, batch({{}})), (std::vector<Datagram>{barrier_reply(0)}));
+}
+
+TEST_F(ServerTest, SendsItsAnswersToAClientThatSendsNoMore)
+{
+    Client client = connect_client();
+    client.send(batch({{}}));
+    shutdown(client.fd(), SHUT_WR);
+    turn();
+    EXPECT_EQ(client.receive(), barrier_reply(0));
+    EXPECT_EQ(server_->connections(), 0u);
+}
+
+TEST_F(ServerTest, ABatchIsAppliedWholeWhileTheClientsSocketIsStuffed)
+{
+    Client client = connect_client();
+    const Datagram request = join({head(0x10000001), hex("0004 0004 1001 0000")});
+    size_t asked = 0;
+    for (; asked < 400; ++asked) { // more answers than a socket buffer holds
+        ASSERT_TRUE(client.send(request));
+        turn();
+    }
+    std::vector<Rule> twelve;
+    for (uint32_t port = 1; port <= 12; ++port) {
+        twelve.push_back({.in_port = port});
+    }
+    ASSERT_TRUE(client.send(batch(twelve)));
+    turn();
+    EXPECT_EQ(rules(), 12u);
+
+    std::vector<Datagram> answers;
+    for (Datagram answer; !(answer = client.receive()).empty() || answers.size() < asked + 12;) {
+        ASSERT_FALSE(client.ended());
+        if (answer.empty()) {
+            turn();
+        } else {
+            answers.push_back(answer);
+        }
+    }
+    ASSERT_EQ(answers.size(), asked + 12);
+    for (uint32_t i = 0; i < 12; ++i) {
+        EXPECT_EQ(answers[asked + i], barrier_reply(i));
+    }
+}
+
+TEST_F(ServerTest, AClientThatNeverReadsDelaysNobodyAndHoldsBoundedMemory)
+{
+    Client deaf = connect_client();
+    const Datagram request = join({head(0x10000001), hex("0004 0004 1001 0000")});
+    size_t sent = 0;
+    while (sent < 100'000 && deaf.send(request)) { // until its own socket is full
+        ++sent;
+        if (sent % 64 == 0) {
+            turn();
+        }
+    }
+    turn();
+    EXPECT_LT(sent, 100'000u);
+    EXPECT_EQ(errno, EAGAIN);
+    EXPECT_LT(model_.counters.datagrams, sent); // the rest waits in the client's own buffer
+
+    Client other = connect_client();
+    EXPECT_EQ(exchange(other, batch({{}})), (std::vector<Datagram>{barrier_reply(0)}));
+}
+
+TEST_F(ServerTest, AHundredThousandRulesSentWithoutWaitingAreAllAnswered)
+{
+    constexpr uint32_t RULES = 100'000;
+    Client client = connect_client();
+    uint32_t sent = 0;
+    uint32_t answered = 0;
+    while (answered < RULES) {
+        // The client writes as much as it can before it reads anything.
+        while (sent < RULES && client.send(join({head(0x50000001), client_head(),
+                                                 entry(flow_mod(sent, {.in_port = sent + 1})),
+                                                 entry(barrier(sent))}))) {
+            ++sent;
+        }
+        turn();
+        for (Datagram answer; !(answer = client.receive()).empty(); ++answered) {
+            ASSERT_EQ(answer, barrier_reply(answered));
+        }
+        ASSERT_FALSE(client.ended());
+    }
+    EXPECT_EQ(rules(), RULES);
+}
+
+TEST_F(ServerTest, ServesTwoHundredClientsAtOnce)
+{
+    std::vector<Client> clients;
+    for (uint32_t i = 0; i < 200; ++i) {
+        clients.push_back(connect_client());
+        ASSERT_TRUE(clients.back().connected());
+        ASSERT_TRUE(clients.back().send(batch({{.in_port = i + 1}})));
+    }
+    turn();
+    EXPECT_EQ(server_->connections(), 200u);
+    EXPECT_EQ(rules(), 200u);
+    for (Client &client : clients) {
+        EXPECT_EQ(client.receive(), barrier_reply(0));
+    }
+    clients.clear();
+    turn();
+    EXPECT_EQ(server_->connections(), 0u);
+}
+
+TEST_F(ServerTest, AcceptsAgainOnceDescriptorsAreThere)
+{
+    std::vector<Client> clients;
+    for (int i = 0; i < 8; ++i) {
+        clients.push_back(connect_client());
+        clients.back().send(batch({{.in_port = static_cast<uint32_t>(i + 1)}}));
+    }
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const int next_free = dup(listener_);
+    close(next_free);
+    rlimit few = before;
+    few.rlim_cur = static_cast<rlim_t>(next_free) + 3;
+    setrlimit(RLIMIT_NOFILE, &few);
+    event_base_loop(base_, EVLOOP_NONBLOCK);
+    EXPECT_EQ(server_->connections(), 3u);
+
+    clients[0].hang_up(); // the server's end, too, is free then
+    turn();
+    EXPECT_EQ(server_->connections(), 4u);
+    setrlimit(RLIMIT_NOFILE, &before);
+    for (int i = 0; i < 50 && server_->connections() < 7; ++i) {
+        event_base_loop(base_, EVLOOP_ONCE);
+    }
+    EXPECT_EQ(server_->connections(), 7u);
+    turn();
+    EXPECT_EQ(rules(), 8u);
+}
+
+} // namespace
+} // namespace agent::test
