@@ -1,36 +1,48 @@
-// How a configuration call travels: one datagram with one record, over a channel of its own.
+// One configuration request: starts the agent daemon, opens a channel, sends, returns the code of
+// the result reply.
+//
+//     return configure(OFP_MSG_SET_ECHO_TIME, OFP_TLV_EchoTime, *time);
 #pragma once
 
 #include <cstdint>
-#include <span>
-#include <type_traits>
+
+#include "ipc/channel.h"
+#include "ipc/round_trip.h"
+#include "ipc/writer.h"
+#include "ofp/codec.h"
+#include "ofp/result.h"
 
 namespace ofp {
 
-// A record without a hole: no byte that its members do not name ever travels.
-template <typename T>
-concept Record = std::is_trivially_copyable_v<T> && std::has_unique_object_representations_v<T>;
+[[nodiscard]] uint32_t configure(uint32_t code, uint32_t type, const void *value, uint64_t length);
 
-// Sends a value and returns the code of the result reply.
-[[nodiscard]] uint32_t configure_value(uint32_t code, uint32_t type, uint64_t length,
-                                       const void *value);
-// The same for a datagram that stands.
-[[nodiscard]] uint32_t configure_datagram(std::span<const uint8_t> datagram);
-// Sends a value and awaits no reply.
-[[nodiscard]] uint32_t notify_value(uint32_t code, uint32_t type, uint64_t length,
-                                    const void *value);
-
-template <Record T> [[nodiscard]] uint32_t configure(uint32_t code, uint32_t type, const T &record)
+template <WireRecord T>
+[[nodiscard]] uint32_t configure(uint32_t code, uint32_t type, const T &record)
 {
-    return configure_value(code, type, sizeof record, &record);
+    return configure(code, type, &record, sizeof record);
 }
 
-template <Record T> [[nodiscard]] uint32_t notify(uint32_t code, uint32_t type, const T &record)
+// The same with more than one TLV: build(writer) puts them behind the message head.
+template <typename Build>
+[[nodiscard]] uint32_t configure_with(uint32_t code, Build build)
 {
-    return notify_value(code, type, sizeof record, &record);
+    const Channel channel(set_connect());
+    if (!channel.is_open())
+        return OFP_RC_FAILED;
+    alignas(8) uint8_t buffer[OFP_DATAGRAM_SIZE];
+    Writer request(buffer, sizeof buffer);
+    request.head(code);
+    build(request);
+    return set_send_message(channel.socket(), request.bytes());
 }
 
-// The 16-bit operation of calls that set or remove.
-constexpr uint16_t operation_set = 1;
+// A request that is not answered; the code says only whether it went out.
+[[nodiscard]] uint32_t notify(uint32_t code, uint32_t type, const void *value, uint64_t length);
+
+template <WireRecord T>
+[[nodiscard]] uint32_t notify(uint32_t code, uint32_t type, const T &record)
+{
+    return notify(code, type, &record, sizeof record);
+}
 
 } // namespace ofp

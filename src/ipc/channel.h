@@ -1,6 +1,5 @@
 // An open channel to the agent daemon, closed by its scope.
-#ifndef IPC_CHANNEL_H
-#define IPC_CHANNEL_H
+#pragma once
 
 #include <cstdint>
 
@@ -41,5 +40,3 @@ private:
 };
 
 } // namespace ofp
-
-#endif

@@ -1,6 +1,5 @@
 // A request that is answered by a result reply.
-#ifndef IPC_ROUND_TRIP_H
-#define IPC_ROUND_TRIP_H
+#pragma once
 
 #include <cstdint>
 
@@ -21,5 +20,3 @@ namespace ofp {
 bool read_result(Bytes datagram, uint32_t *code);
 
 } // namespace ofp
-
-#endif

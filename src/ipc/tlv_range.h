@@ -1,6 +1,5 @@
 // The TLVs of a datagram, one after another: for (const Tlv &tlv : tlvs(bytes)).
-#ifndef IPC_TLV_RANGE_H
-#define IPC_TLV_RANGE_H
+#pragma once
 
 #include <algorithm>
 #include <cstdint>
@@ -68,5 +67,3 @@ struct TlvRange {
 inline TlvRange tlvs(Bytes bytes) { return {bytes}; }
 
 } // namespace ofp
-
-#endif

@@ -1,6 +1,5 @@
 // Builds a datagram in a buffer of fixed room.
-#ifndef IPC_WRITER_H
-#define IPC_WRITER_H
+#pragma once
 
 #include <cstdint>
 #include <type_traits>
@@ -54,5 +53,3 @@ private:
 };
 
 } // namespace ofp
-
-#endif

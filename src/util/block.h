@@ -1,6 +1,5 @@
 // A malloc'ed array, freed with its scope.
-#ifndef UTIL_BLOCK_H
-#define UTIL_BLOCK_H
+#pragma once
 
 #include <cstdint>
 #include <cstdlib>
@@ -30,5 +29,3 @@ private:
 };
 
 } // namespace ofp
-
-#endif

@@ -1,6 +1,5 @@
 // A run of bytes that someone else owns.
-#ifndef UTIL_BYTES_H
-#define UTIL_BYTES_H
+#pragma once
 
 #include <cstdint>
 
@@ -15,5 +14,3 @@ struct Bytes {
 };
 
 } // namespace ofp
-
-#endif

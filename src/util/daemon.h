@@ -1,5 +1,4 @@
-#ifndef UTIL_DAEMON_H
-#define UTIL_DAEMON_H
+#pragma once
 
 #include <cstdint>
 
@@ -9,5 +8,3 @@ namespace ofp {
 [[nodiscard]] bool is_daemon_running_on(uint16_t node);
 
 } // namespace ofp
-
-#endif

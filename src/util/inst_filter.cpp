@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <cstring>
-
 #include "ofp/codec.h"
 #include "ofp/util.h"
 
@@ -104,7 +101,7 @@ OFP_API uint64_t OFP_util_PatchInstFilterTLV(const OfpInstFilter *filter, uint64
     else if (ofp::has_one(filter->filter_kind))
         compact.one = {filter->param};
     const uint64_t size = ofp::compact_size(filter->filter_kind);
-    std::memcpy(out, &compact, std::min(room, size));
+    OFP_util_GetEffData(&compact, size, room, out);
     return size;
 }
 
@@ -112,7 +109,7 @@ OFP_API uint64_t OFP_util_SplitInstFilterTLV(const uint8_t *compact, uint64_t le
                                              OfpInstFilter *filter)
 {
     ofp::Compact values{};
-    std::memcpy(&values, compact, std::min<uint64_t>(length, sizeof values));
+    OFP_util_GetEffData(compact, length, sizeof values, &values);
     ofp::set_instance(filter, values.instance);
     if (ofp::has_pair(filter->filter_kind)) {
         filter->param_a = values.pair.param_a;
