@@ -1,8 +1,9 @@
+#include "ofp/interface.h"
+
 #include <algorithm>
 #include <iterator>
 #include <span>
 
-#include "ofp/interface.h"
 #include "ofp/platform.h"
 
 namespace {
@@ -28,9 +29,8 @@ static_assert(std::size(ttp_types) == 23);
 uint32_t select(std::span<const uint32_t> types, void *selection)
 {
     IF_Select_Init(selection_mode, selection);
-    for (const uint32_t type : types) {
+    for (const uint32_t type : types)
         IF_SelectType_Set(type, selection);
-    }
     return IF_SelectCondition_Set(selection_condition, selection);
 }
 
@@ -43,8 +43,7 @@ OFP_API uint32_t OFP_util_SetTTPIfSelect(void *selection) { return select(ttp_ty
 OFP_API uint16_t OFP_util_IsOfpIfType(uint32_t if_index)
 {
     uint32_t type = 0;
-    if (if_index == 0 || IF_GetDataByIfIndex(if_index, item_type, &type) != 0) {
+    if (if_index == 0 || IF_GetDataByIfIndex(if_index, item_type, &type) != 0)
         return 0;
-    }
     return std::ranges::find(openflow_types, type) != std::end(openflow_types);
 }

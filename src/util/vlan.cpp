@@ -1,6 +1,7 @@
-#include <algorithm>
-
 #include "ofp/vlan.h"
+
+#include <algorithm>
+#include <atomic>
 
 namespace {
 
@@ -8,26 +9,22 @@ constexpr uint16_t unknown = 0xFFFF;
 constexpr uint16_t max_vlan_id = 4094;
 constexpr uint16_t vlan_bits = 0x0FFF;
 
-constinit uint16_t min_cache = unknown;
-constinit uint16_t max_cache = unknown;
+// Threads that ask at the same time store the same answer.
+constinit std::atomic<uint16_t> min_vlan_id = unknown;
 
 } // namespace
 
 OFP_API uint16_t OFP_util_GetMinVlanID(void)
 {
-    if (min_cache == unknown) {
-        min_cache = VLAN_GetMinVlanID();
+    uint16_t id = min_vlan_id.load(std::memory_order_relaxed);
+    if (id == unknown) {
+        id = VLAN_GetMinVlanID();
+        min_vlan_id.store(id, std::memory_order_relaxed);
     }
-    return min_cache;
+    return id;
 }
 
-OFP_API uint16_t OFP_util_GetMaxVlanID(void)
-{
-    if (max_cache == unknown) {
-        max_cache = max_vlan_id;
-    }
-    return max_cache;
-}
+OFP_API uint16_t OFP_util_GetMaxVlanID(void) { return max_vlan_id; }
 
 OFP_API void OFP_util_GetBitmapFromVlanMask(const OfpVlanMask *vlan, Bitmap *bitmap)
 {
@@ -35,9 +32,8 @@ OFP_API void OFP_util_GetBitmapFromVlanMask(const OfpVlanMask *vlan, Bitmap *bit
     const uint32_t mask = vlan->mask;
 
     Bitmap_Zero(bitmap);
-    if (vid == unknown) {
+    if (vid == unknown)
         return;
-    }
     if (mask == 0xFFFF || mask == vlan_bits) {
         Bitmap_Set(bitmap, vid);
         return;
@@ -49,10 +45,9 @@ OFP_API void OFP_util_GetBitmapFromVlanMask(const OfpVlanMask *vlan, Bitmap *bit
         Bitmap_SetRange(bitmap, &range);
         return;
     }
-    for (uint32_t v = low; v <= high; v++) {
-        if (((vid ^ v) & mask) == 0) {
+    for (uint32_t v = low; v <= high; ++v) {
+        if (((vid ^ v) & mask) == 0)
             Bitmap_Set(bitmap, v);
-        }
     }
 }
 
