@@ -35,7 +35,8 @@ OFP_API uint32_t OFP_set_Instance(uint16_t operation, uint16_t instance_id, uint
 /* Activates (operation 1: message 23) or deactivates (else: message 10) an instance. TLV 4. */
 OFP_API uint32_t OFP_set_ActiveInst(uint16_t instance_id, uint16_t operation);
 
-/* Describes an instance: text of at most 255 bytes, the rest is cut. Message 9, TLV 3. */
+/* Describes an instance: text of at most 255 bytes, the rest is cut; null is as good as empty.
+ * Message 9, TLV 3. */
 OFP_API uint32_t OFP_set_Description(uint16_t instance_id, const char *text);
 
 /* The datapath id of an instance. Message 16, TLV 87. */
@@ -65,6 +66,9 @@ OFP_API uint32_t OFP_set_Ctrl_SSL(const OfpCtrlSSL *tls, uint16_t operation);
 /* Sets (operation 1: message 30) or removes (else: message 29) an auxiliary connection. TLV 135. */
 OFP_API uint32_t OFP_set_AuxCfg(const OfpAuxCfg *auxiliary, uint16_t operation);
 
+/* The OAP server: sets (operation 1: message 32) or removes (else: message 31) it. TLV 131. */
+OFP_API uint32_t OFP_set_OapServer(const OfpOapServer *server, uint16_t operation);
+
 /* Clears the counters of a controller. Message 22, TLV 120. No reply is awaited: 0 or OFP_RC_FAILED
  * says whether the datagram left. */
 OFP_API uint32_t OFP_set_ResetCtrlStat(uint16_t instance_id, uint8_t controller_id);
@@ -90,14 +94,12 @@ OFP_API uint32_t OFP_set_TcpDscp(const OfpTcpDscp *dscp);
 /* Non-stop routing of the connections. Message 39, TLV 178. */
 OFP_API uint32_t OFP_set_TcpNsr(uint16_t instance_id, uint16_t enable);
 
-/* The OAP server: sets (operation 1: message 32) or removes (else: message 31) it. TLV 131. */
-OFP_API uint32_t OFP_set_OapServer(const OfpOapServer *server, uint16_t operation);
-
 /* ---- Flow tables and flow entries ---- */
 
-/* The flow tables of an instance. tables is SORTED IN PLACE by table id: ids and kinds change
- * place, bytes 1 to 3 of each entry stay where they are. Message 12, TLV 4, then one TLV 69 each.
- */
+/* The flow tables of an instance. tables is SORTED IN PLACE by table id once the channel is open:
+ * ids and kinds change place, bytes 1 to 3 of each entry stay where they are. A datagram holds 681
+ * tables; those behind them are sorted but not sent. OFP_RC_FAILED for no tables but a count.
+ * Message 12, TLV 4, then one TLV 69 each. */
 OFP_API uint32_t OFP_set_FlowTable(uint16_t instance_id, uint32_t count, OfpFlowTable *tables);
 
 /* Most flow entries of an instance. Message 7, TLV 9. */
@@ -145,10 +147,11 @@ OFP_PIN_SIZE(OfpVlanRangeList, 48);
 /* The VLANs of an instance, as an instance filter. Message 3, TLV 3 and the filter's TLVs. */
 OFP_API uint32_t OFP_set_VlanList(const OfpInstFilter *filter, uint16_t value);
 
-/* In-band management VLANs of an instance. Message 17, TLV 4 and TLV 90. */
+/* In-band management VLANs of an instance. OFP_RC_FAILED for an id above 4095. Message 17, TLV 4
+ * and TLV 90. */
 OFP_API uint32_t OFP_set_InManageVlan(const OfpVlanRangeList *vlans);
 
-/* VLANs that are forwarded as usual. Message 47, TLV 90. */
+/* VLANs that are forwarded as usual. OFP_RC_FAILED for an id above 4095. Message 47, TLV 90. */
 OFP_API uint32_t OFP_set_NormalForwardVlan(const OfpVlanRangeList *vlans);
 
 /* Message 25, TLV 164; the value travels ahead of the instance. */
@@ -168,7 +171,7 @@ OFP_API uint32_t OFP_set_ForbiddenPort(uint16_t instance_id, uint32_t ports);
 /* Port types that an instance may use. Message 36, TLV 172. */
 OFP_API uint32_t OFP_set_PermitPortType(uint16_t instance_id, uint32_t port_types);
 
-/* Binds a port to an instance, or what else message_code says. TLV 142. */
+/* Binds a port to an instance or unbinds it: message_code 33 or 34. TLV 142. */
 OFP_API uint32_t OFP_set_BindPort(uint32_t message_code, const OfpPortInstanceCfg *port);
 
 /* The same from its parts; OFP_RC_PORT_NO_DAEMON when the agent daemon does not run, which it does
@@ -176,7 +179,7 @@ OFP_API uint32_t OFP_set_BindPort(uint32_t message_code, const OfpPortInstanceCf
 OFP_API uint32_t OFP_set_PortBindInst(uint32_t message_code, uint16_t instance_id,
                                       uint32_t if_index);
 
-/* Shuts a port down or up, as message_code says. TLV 182. */
+/* Shuts a port down or starts it: message_code 42 or 43. TLV 182. */
 OFP_API uint32_t OFP_set_PortShutdown(uint32_t message_code, uint32_t if_index);
 
 /* Message 44, TLV 183. */
@@ -198,7 +201,8 @@ OFP_API uint32_t OFP_set_Ipv6Enhanced(uint16_t enable);
 OFP_API uint32_t OFP_set_EnableALAlFunction(const OfpEnableALAlFunction *functions);
 OFP_API uint32_t OFP_set_EnablePayloadFunction(const OfpEnablePayloadFunction *functions);
 
-/* Sends packet data to the analysis layer; at most 1024 bytes are copied. Message 46, TLV 186. */
+/* Sends packet data to the analysis layer. length is at most 1024: of more the low 16 bits are
+ * sent, with the first 1024 bytes of data. Message 46, TLV 186. */
 OFP_API uint32_t OFP_set_ProcALALPktOut(uint16_t value, const uint8_t *data, uint64_t length);
 
 /* Tells of a configuration event; 0 at once when the agent daemon is down. Message 40, TLV 179. */
