@@ -30,7 +30,8 @@ OFP_BEGIN_DECLS
 /* ---- Errors ---- */
 
 /* This thread's last error in words, with file, line and key where it concerns the described
- * switch. Never null; empty when nothing failed yet. Valid until this thread's next call. */
+ * switch; also of a SOCK_Connect that failed. Never null; empty when nothing failed yet. Valid
+ * until this thread's next call. */
 const char *HOST_LastError(void);
 
 /* ---- Runtime directory ----
@@ -56,7 +57,8 @@ int32_t HOST_GetLogPath(uint16_t node, char *path, size_t size);
  *     listener = HOST_ListenAgent(node);  from here on SERVICE_GetStatus reports it running
  *     write(FD, "ready\n", 6); close(FD); or one line saying why not, then exit: that line becomes
  *                                         HOST_LastError of the starter
- * An agent that is not ready in time is killed by the starter. */
+ * An agent that is not ready in time is killed by the starter. When an agent ends it leaves the
+ * socket file alone: the next agent's may be there already. */
 
 /* Takes the node's lock; creates the runtime directory. The descriptor that holds it; -1 with
  * EWOULDBLOCK when another agent has it. A lock ends with its process or when it is closed. */

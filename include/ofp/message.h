@@ -150,7 +150,7 @@
     X(EVENT, 0x5000000b) /* agent daemon to application */
 
 enum {
-#define OFP_ROW(name, code) OFP_MSG_##name = code,
+#define OFP_ROW(name, code) OFP_MSG_##name = (code),
     OFP_MESSAGE_CODES(OFP_ROW)
 #undef OFP_ROW
 };

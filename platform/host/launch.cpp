@@ -112,6 +112,7 @@ std::vector<std::string> agent_environment(const Path &directory)
 std::vector<char *> pointers(std::vector<std::string> &texts)
 {
     std::vector<char *> result;
+    result.reserve(texts.size() + 1);
     for (std::string &text : texts) {
         result.push_back(text.data());
     }

@@ -40,24 +40,27 @@ const OptEntry *find_entry(const Options &options, const char *name, size_t leng
 }
 
 /* Reads the option at argument; next is the argument after it, null at the end. */
-uint32_t parse_option(const Options &options, const char *argument, const char *next, Given &given)
+bool parse_option(const Options &options, const char *argument, const char *next, Given &given)
 {
     if (strncmp(argument, "--", 2) != 0 || argument[2] == '\0') {
-        return refuse(OFP_RC_INVALID, "%s: expected an option such as --Name=value", argument);
+        refuse(OFP_RC_INVALID, "%s: expected an option such as --Name=value", argument);
+        return false;
     }
     const char *name = argument + 2;
     size_t length = strcspn(name, "=");
     given.entry = find_entry(options, name, length);
     if (given.entry == nullptr) {
-        return refuse(OFP_RC_INVALID, "--%.*s: unknown option", static_cast<int>(length), name);
+        refuse(OFP_RC_INVALID, "--%.*s: unknown option", static_cast<int>(length), name);
+        return false;
     }
     bool joined = name[length] == '=';
     given.value = joined ? name + length + 1 : next;
     given.arguments = joined ? 1 : 2;
     if (given.value == nullptr || *given.value == '\0' || strncmp(given.value, "--", 2) == 0) {
-        return refuse(OFP_RC_INVALID, "--%s: value missing", given.entry->name);
+        refuse(OFP_RC_INVALID, "--%s: value missing", given.entry->name);
+        return false;
     }
-    return OFP_RC_OK;
+    return true;
 }
 
 /* Decimal, or hexadecimal after 0x; a leading zero does not mean octal. */
@@ -73,24 +76,27 @@ bool parse_number(const char *text, uint64_t &value)
     return true; /* what is too large came out as the largest */
 }
 
-uint32_t parse_value(const Given &given, uint32_t &value)
+bool parse_value(const Given &given, uint32_t &value)
 {
     const OptEntry &entry = *given.entry;
     if (entry.kind >= sizeof kinds / sizeof *kinds || entry.size != kinds[entry.kind].size) {
-        return refuse(OFP_RC_INVALID, "--%s: kind %u of %u bytes is not known", entry.name,
-                      entry.kind, entry.size);
+        refuse(OFP_RC_INVALID, "--%s: kind %u of %u bytes is not known", entry.name, entry.kind,
+               entry.size);
+        return false;
     }
     uint64_t number = 0;
     if (!parse_number(given.value, number)) {
-        return refuse(OFP_RC_INVALID, "--%s: %s is not a number (decimal, or 0x and hexadecimal)",
-                      entry.name, given.value);
+        refuse(OFP_RC_INVALID, "--%s: %s is not a number (decimal, or 0x and hexadecimal)",
+               entry.name, given.value);
+        return false;
     }
     if (number > kinds[entry.kind].largest) {
-        return refuse(OFP_RC_INVALID, "--%s: %s is out of range, at most %u", entry.name,
-                      given.value, kinds[entry.kind].largest);
+        refuse(OFP_RC_INVALID, "--%s: %s is out of range, at most %u", entry.name, given.value,
+               kinds[entry.kind].largest);
+        return false;
     }
     value = static_cast<uint32_t>(number);
-    return OFP_RC_OK;
+    return true;
 }
 
 void store(const OptEntry &entry, uint32_t value)
@@ -101,24 +107,21 @@ void store(const OptEntry &entry, uint32_t value)
            entry.size);
 }
 
-uint32_t walk(const Options &options, int argc, char **argv, bool storing)
+bool walk(const Options &options, int argc, char **argv, bool storing)
 {
     for (int i = 1; i < argc;) {
         Given given{};
         uint32_t value = 0;
-        uint32_t code = parse_option(options, argv[i], i + 1 < argc ? argv[i + 1] : nullptr, given);
-        if (code == OFP_RC_OK) {
-            code = parse_value(given, value);
-        }
-        if (code != OFP_RC_OK) {
-            return code;
+        if (!parse_option(options, argv[i], i + 1 < argc ? argv[i + 1] : nullptr, given) ||
+            !parse_value(given, value)) {
+            return false;
         }
         if (storing) {
             store(*given.entry, value);
         }
         i += given.arguments;
     }
-    return OFP_RC_OK;
+    return true;
 }
 
 } // namespace
@@ -133,6 +136,7 @@ uint32_t OPT_ParseEx(void *source1, void *source2, const OptEntry *table, uint32
         return host::refuse(OFP_RC_INVALID, "options: no argument list");
     }
     /* Twice, so that a wrong option leaves every destination as it was. */
-    uint32_t code = host::walk({table, count}, *argc, argv, false);
-    return code == OFP_RC_OK ? host::walk({table, count}, *argc, argv, true) : code;
+    host::Options options{table, count};
+    bool right = host::walk(options, *argc, argv, false) && host::walk(options, *argc, argv, true);
+    return right ? OFP_RC_OK : OFP_RC_INVALID;
 }

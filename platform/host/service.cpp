@@ -32,19 +32,20 @@ bool known_service(const char *name)
     return false;
 }
 
-int64_t start_deadline()
+/* When a start that begins now must be over. 0, or -1 with the error set. */
+int32_t start_deadline(int64_t &deadline)
 {
-    constexpr double usual = 10;
     constexpr double longest = 3600;
-    double seconds = usual;
+    double seconds = 10;
     if (const char *text = environment("OFP_START_TIMEOUT")) {
         const char *end = text + strlen(text);
         auto [stop, error] = std::from_chars(text, end, seconds);
         if (error != std::errc{} || stop != end || !(seconds > 0 && seconds <= longest)) {
-            seconds = usual;
+            return fail(EINVAL, "OFP_START_TIMEOUT=%s: expected seconds, above 0 to 3600", text);
         }
     }
-    return monotonic_now() + static_cast<int64_t>(seconds * nanoseconds_per_second);
+    deadline = monotonic_now() + static_cast<int64_t>(seconds * nanoseconds_per_second);
+    return 0;
 }
 
 int32_t status(uint16_t node, bool &running)
@@ -139,8 +140,8 @@ int32_t start(uint16_t node)
 {
     Files files;
     StartLock lock;
-    int64_t deadline = start_deadline();
-    if (find_files(node, files) != 0) {
+    int64_t deadline = 0;
+    if (start_deadline(deadline) != 0 || find_files(node, files) != 0) {
         return -1;
     }
     if (IF_IsNodeUp(node) == 0) {

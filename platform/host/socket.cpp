@@ -15,6 +15,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include "error.h"
 #include "ofp/platform.h"
 #include "runtime.h"
 #include "system.h"
@@ -243,14 +244,18 @@ int32_t SOCK_Connect(int32_t s, const void *address, uint32_t length)
     sockaddr_un path;
     int wrong = check_address(address, length);
     if (wrong != 0) {
-        return reject(wrong);
+        return fail(wrong, "not the address of the service");
     }
     if (master_socket(path) != 0) {
         return -1;
     }
     int64_t start = monotonic_now();
     int32_t result = connect_once(s, path);
-    return result != 0 && errno == EINTR ? connect_again(s, path, start) : result;
+    if (result != 0 && errno == EINTR) {
+        result = connect_again(s, path, start);
+    }
+    return result == 0 ? 0
+                       : fail(errno, "cannot connect to %s: %s", path.sun_path, strerror(errno));
 }
 
 int64_t SOCK_Send(int32_t s, const void *buffer, size_t length, int32_t flags)

@@ -1,6 +1,6 @@
 // Actions as OpenFlow 1.3 has them, inside the one write-actions instruction of a rule.
-#ifndef OFP_FLOW_ACTION_H
-#define OFP_FLOW_ACTION_H
+#ifndef FLOW_ACTION_H
+#define FLOW_ACTION_H
 
 #include "flow/put.h"
 #include "ofp/flow_item.h"

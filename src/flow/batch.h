@@ -1,6 +1,6 @@
 // Cutting rules into datagrams.
-#ifndef OFP_FLOW_BATCH_H
-#define OFP_FLOW_BATCH_H
+#ifndef FLOW_BATCH_H
+#define FLOW_BATCH_H
 
 #include "ofp/flow_item.h"
 

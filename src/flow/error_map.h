@@ -1,6 +1,6 @@
 // The agent daemon's OpenFlow errors as result codes.
-#ifndef OFP_FLOW_ERROR_MAP_H
-#define OFP_FLOW_ERROR_MAP_H
+#ifndef FLOW_ERROR_MAP_H
+#define FLOW_ERROR_MAP_H
 
 #include <cstdint>
 

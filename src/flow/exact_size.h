@@ -1,7 +1,7 @@
 // The true size of what a rule becomes, so that nothing is encoded into a buffer that does not hold
 // it: the size that cuts batches leaves some of a rule out.
-#ifndef OFP_FLOW_EXACT_SIZE_H
-#define OFP_FLOW_EXACT_SIZE_H
+#ifndef FLOW_EXACT_SIZE_H
+#define FLOW_EXACT_SIZE_H
 
 #include "ofp/flow_item.h"
 

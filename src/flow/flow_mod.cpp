@@ -20,30 +20,49 @@ constexpr uint16_t write_actions = 3;
 // What STLV_Set may be told.
 constexpr uint64_t platform_room(uint64_t room) { return std::min<uint64_t>(room, UINT32_MAX); }
 
-// Puts the TLV header before a message that stands after it already.
-uint64_t frame(uint64_t length, uint64_t room, uint8_t *out)
+// Puts the TLV header before a value that stands after it already, in network order: a rule is
+// encoded too often to be copied into its datagram.
+uint64_t frame(uint32_t type, uint64_t length, uint64_t room, uint8_t *out)
 {
-    return STLV_Set(out, static_cast<uint32_t>(room), OFP_TLV_FlowEntry,
-                    static_cast<uint32_t>(length), nullptr);
+    return STLV_Set(out, static_cast<uint32_t>(room), type, static_cast<uint32_t>(length), nullptr);
 }
 
-// The part before the match, in network order. Cookies, time-outs and flags are the same for every
-// rule.
-constexpr OfpFlowMod every_rule = {
-    .buffer_id = 0xffffffff,
-    .out_port = 0xffffffff,
-    .out_group = 0xffffffff,
-    .flags = swapped(uint16_t{0x001e}), // check overlap, reset counts, count neither
+uint64_t put_message_head(uint32_t code, uint64_t room, uint8_t *out)
+{
+    put(out + tlv_header_size, code);
+    return frame(OFP_TLV_MsgHead, sizeof code, room, out);
+}
+
+uint64_t put_client_head(const uint8_t head[16], uint64_t room, uint8_t *out)
+{
+    std::memcpy(out + tlv_header_size, head, sizeof(OfpClientHead));
+    OFP_bswap_OfpClientHead(out + tlv_header_size);
+    return frame(OFP_TLV_ClientHead, sizeof(OfpClientHead), room, out);
+}
+
+// What all messages of a datagram have in common, in network order.
+struct Common {
+    OfpFlowMod mod;
+    uint8_t barrier[barrier_tlv_size];
+    uint64_t barrier_size;
 };
 
-void put_fixed_part(const OfpFlowRuleCtx &ctx, uint32_t xid, uint16_t priority, uint64_t length,
-                    uint8_t *out)
+// Cookies, time-outs and flags are the same for every rule.
+Common common_of(const OfpFlowRuleCtx &ctx)
 {
-    std::memcpy(out, &every_rule, sizeof every_rule);
-    put_openflow_header(OFPT_FLOW_MOD, length, xid, out);
-    out[offsetof(OfpFlowMod, table_id)] = ctx.table_id;
-    out[offsetof(OfpFlowMod, command)] = static_cast<uint8_t>(ctx.command);
-    put(out + offsetof(OfpFlowMod, priority), priority);
+    Common common = {
+        .mod =
+            {
+                .table_id = ctx.table_id,
+                .command = static_cast<uint8_t>(ctx.command),
+                .buffer_id = 0xffffffff,
+                .out_port = 0xffffffff,
+                .out_group = 0xffffffff,
+                .flags = swapped(uint16_t{0x001e}), // check overlap, reset counts, count neither
+            },
+    };
+    common.barrier_size = OFP_encode_TlvBarrier(0, barrier_tlv_size, common.barrier);
+    return common;
 }
 
 // The one instruction of a rule, also of a rule without actions. Returns the end.
@@ -58,21 +77,24 @@ uint8_t *put_instruction(const OfpFlowItem &item, uint8_t *out)
 }
 
 // Written in place, lengths last.
-uint64_t put_flow_mod(const OfpFlowRuleCtx &ctx, uint32_t xid, const OfpFlowItem &item,
-                      uint64_t room, uint8_t *out)
+uint64_t put_flow_mod(const Common &common, uint32_t xid, const OfpFlowItem &item, uint64_t room,
+                      uint8_t *out)
 {
     uint8_t *mod = out + tlv_header_size;
     uint8_t *instruction = put_match(&item.match, mod + sizeof(OfpFlowMod));
     const auto length = static_cast<uint64_t>(put_instruction(item, instruction) - mod);
-    put_fixed_part(ctx, xid, item.priority, length, mod);
-    return frame(length, room, out);
+
+    std::memcpy(mod, &common.mod, sizeof common.mod);
+    put_openflow_header(OFPT_FLOW_MOD, length, xid, mod);
+    put(mod + offsetof(OfpFlowMod, priority), item.priority);
+    return frame(OFP_TLV_FlowEntry, length, room, out);
 }
 
-uint64_t put_barrier(uint32_t xid, uint64_t room, uint8_t *out)
+uint64_t put_barrier(const Common &common, uint32_t xid, uint8_t *out)
 {
-    put_openflow_header(OFPT_BARRIER_REQUEST, sizeof(OfpOpenflowHeader), xid,
-                        out + tlv_header_size);
-    return frame(sizeof(OfpOpenflowHeader), room, out);
+    std::memcpy(out, common.barrier, sizeof common.barrier);
+    put(out + tlv_header_size + offsetof(OfpOpenflowHeader, xid), xid);
+    return common.barrier_size;
 }
 
 } // namespace
@@ -85,13 +107,13 @@ OFP_API uint64_t OFP_encode_FlowRule(const OfpFlowRuleCtx *ctx, const uint8_t he
                                      uint8_t *buffer)
 {
     room = platform_room(room);
-    uint64_t used = OFP_msg_SetMsgHead(buffer, room, OFP_MSG_FLOW_RULE);
-    used += OFP_msg_SetTlvData(buffer + used, room - used, OFP_TLV_ClientHead,
-                               sizeof(OfpClientHead), head);
+    uint64_t used = put_message_head(OFP_MSG_FLOW_RULE, room, buffer);
+    used += put_client_head(head, room - used, buffer + used);
+    const Common common = common_of(*ctx);
     for (uint32_t i = 0; i < count; ++i) {
         const uint32_t xid = ctx->asynchronous == 1 ? ctx->xid : i;
-        used += put_flow_mod(*ctx, xid, items[i], room - used, buffer + used);
-        used += put_barrier(xid, room - used, buffer + used);
+        used += put_flow_mod(common, xid, items[i], room - used, buffer + used);
+        used += put_barrier(common, xid, buffer + used);
     }
     return used;
 }
@@ -111,7 +133,9 @@ OFP_API uint64_t OFP_encode_GetRuleMsgLen(uint32_t count, const OfpFlowItem *ite
 
 OFP_API uint64_t OFP_encode_TlvBarrier(uint32_t xid, uint64_t room, uint8_t *buffer)
 {
-    return put_barrier(xid, platform_room(room), buffer);
+    constexpr uint64_t length = sizeof(OfpOpenflowHeader);
+    put_openflow_header(OFPT_BARRIER_REQUEST, length, xid, buffer + tlv_header_size);
+    return frame(OFP_TLV_FlowEntry, length, platform_room(room), buffer);
 }
 
 OFP_API uint64_t OFP_encode_Instance(uint16_t instance_id, uint8_t count, const uint8_t *tables,

@@ -1,7 +1,7 @@
 #include "flow/client.h"
 #include "flow/reply.h"
 #include "flow/smooth.h"
-#include "ofp/channel.h"
+#include "ipc/channel.h"
 #include "ofp/codec.h"
 #include "ofp/flow.h"
 #include "ofp/result.h"
@@ -34,7 +34,7 @@ uint32_t program_group(uint16_t client_id, const OfpGroupMod &group, Ports ports
 {
     if (!is_client(client_id) || group.group_id > greatest_group || !smooth_is_open())
         return OFP_RC_FAILED;
-    const ClientChannel channel(client_id);
+    const Channel channel(connect_client(client_id));
     if (!channel.is_open())
         return OFP_RC_FAILED;
     uint8_t datagram[OFP_DATAGRAM_SIZE];

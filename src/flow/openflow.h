@@ -1,6 +1,6 @@
 // What the library speaks of OpenFlow 1.3.
-#ifndef OFP_FLOW_OPENFLOW_H
-#define OFP_FLOW_OPENFLOW_H
+#ifndef FLOW_OPENFLOW_H
+#define FLOW_OPENFLOW_H
 
 #include "flow/put.h"
 #include "ofp/wire_flow.h"

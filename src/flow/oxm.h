@@ -1,6 +1,6 @@
 // Match fields on the wire (OXM): a header, the value, and the mask where the field takes one.
-#ifndef OFP_FLOW_OXM_H
-#define OFP_FLOW_OXM_H
+#ifndef FLOW_OXM_H
+#define FLOW_OXM_H
 
 #include <type_traits>
 

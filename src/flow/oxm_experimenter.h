@@ -1,6 +1,6 @@
 // The experimenter matches of a rule, which follow its fields on the wire.
-#ifndef OFP_FLOW_OXM_EXPERIMENTER_H
-#define OFP_FLOW_OXM_EXPERIMENTER_H
+#ifndef FLOW_OXM_EXPERIMENTER_H
+#define FLOW_OXM_EXPERIMENTER_H
 
 #include "ofp/flow_item.h"
 

@@ -1,6 +1,6 @@
 // The match fields of a rule by field bit, and the one rule by which each is written.
-#ifndef OFP_FLOW_OXM_FIELDS_H
-#define OFP_FLOW_OXM_FIELDS_H
+#ifndef FLOW_OXM_FIELDS_H
+#define FLOW_OXM_FIELDS_H
 
 #include "flow/oxm.h"
 

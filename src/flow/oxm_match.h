@@ -1,6 +1,6 @@
 // A rule's match on the wire.
-#ifndef OFP_FLOW_OXM_MATCH_H
-#define OFP_FLOW_OXM_MATCH_H
+#ifndef FLOW_OXM_MATCH_H
+#define FLOW_OXM_MATCH_H
 
 #include <type_traits>
 #include <utility>

@@ -1,6 +1,6 @@
 // The true size of a match, beside the one that batch cutting counts.
-#ifndef OFP_FLOW_OXM_SIZE_H
-#define OFP_FLOW_OXM_SIZE_H
+#ifndef FLOW_OXM_SIZE_H
+#define FLOW_OXM_SIZE_H
 
 #include "ofp/flow_item.h"
 

@@ -1,6 +1,6 @@
 // Writing OpenFlow: numbers in network byte order at any address, bytes as they stand.
-#ifndef OFP_FLOW_PUT_H
-#define OFP_FLOW_PUT_H
+#ifndef FLOW_PUT_H
+#define FLOW_PUT_H
 
 #include <concepts>
 #include <cstddef>

@@ -1,6 +1,6 @@
 // The agent daemon's answers to flow programming: OpenFlow messages, one per datagram.
-#ifndef OFP_FLOW_REPLY_H
-#define OFP_FLOW_REPLY_H
+#ifndef FLOW_REPLY_H
+#define FLOW_REPLY_H
 
 #include <cstdint>
 

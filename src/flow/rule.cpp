@@ -10,7 +10,7 @@
 #include "flow/reply.h"
 #include "flow/rule_check.h"
 #include "flow/smooth.h"
-#include "ofp/channel.h"
+#include "ipc/channel.h"
 #include "ofp/codec.h"
 #include "ofp/result.h"
 
@@ -116,7 +116,7 @@ uint32_t program_rules(const OfpFlowRuleCtx &request, int32_t asynchronous_socke
         return exchange_all({request, client_head(client), asynchronous_socket}, count, items,
                             nullptr);
     }
-    const ClientChannel channel(client);
+    const Channel channel(connect_client(client));
     if (!channel.is_open())
         return OFP_RC_FAILED;
     return exchange_all({request, client_head(client), channel.socket()}, count, items, results);

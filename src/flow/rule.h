@@ -1,6 +1,6 @@
 // What adding, modifying and deleting rules have in common.
-#ifndef OFP_FLOW_RULE_H
-#define OFP_FLOW_RULE_H
+#ifndef FLOW_RULE_H
+#define FLOW_RULE_H
 
 #include "ofp/flow.h"
 

@@ -9,7 +9,7 @@
 namespace ofp {
 namespace {
 
-// Not normal (0xfffffff9 is the pipeline's table) and not any (all ones).
+// In-port, normal, flood, all, controller and local; not table (0xfffffff9) and not any (all ones).
 constexpr bool is_reserved_port(uint32_t port)
 {
     return port == 0xfffffff8 || (port >= 0xfffffffa && port <= 0xfffffffe);

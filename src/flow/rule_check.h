@@ -1,6 +1,6 @@
 // Whether rules can be sent.
-#ifndef OFP_FLOW_RULE_CHECK_H
-#define OFP_FLOW_RULE_CHECK_H
+#ifndef FLOW_RULE_CHECK_H
+#define FLOW_RULE_CHECK_H
 
 #include "ofp/flow_item.h"
 

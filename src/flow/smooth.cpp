@@ -2,7 +2,7 @@
 
 #include "flow/client.h"
 #include "flow/reply.h"
-#include "ofp/channel.h"
+#include "ipc/channel.h"
 #include "ofp/flow.h"
 #include "ofp/message.h"
 #include "ofp/platform.h"
@@ -28,7 +28,7 @@ uint32_t send_head(int32_t socket, uint32_t code, uint16_t client_id)
 
 uint32_t announce_start(uint16_t client_id)
 {
-    const ClientChannel channel(client_id);
+    const Channel channel(connect_client(client_id));
     if (!channel.is_open())
         return OFP_RC_FAILED;
     const uint32_t result = send_head(channel.socket(), OFP_MSG_SMOOTH_START, client_id);
@@ -73,7 +73,7 @@ OFP_API uint32_t OFP_SmoothEnd(uint16_t client_id)
 {
     if (!is_client(client_id) || !smooth_is_open())
         return OFP_RC_FAILED;
-    const ClientChannel channel(client_id);
+    const Channel channel(connect_client(client_id));
     if (!channel.is_open())
         return OFP_RC_FAILED;
     // Nobody could act on a lost end: the next smooth start must repeat the period in any case.

@@ -1,6 +1,6 @@
 // The smooth period of this process.
-#ifndef OFP_FLOW_SMOOTH_H
-#define OFP_FLOW_SMOOTH_H
+#ifndef FLOW_SMOOTH_H
+#define FLOW_SMOOTH_H
 
 #include "ofp/wire_flow.h"
 

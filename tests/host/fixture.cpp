@@ -50,8 +50,8 @@ HostTest::HostTest()
     directory_ = mkdtemp(name);
     setenv("OFP_RUNTIME_DIR", directory_.c_str(), 1);
     setenv("OFP_AGENT", STAND_IN_AGENT, 1);
-    for (const char *unset :
-         {"OFP_HOST_CONFIG", "OFP_TRACE", "OFP_START_TIMEOUT", "OFP_STAND_IN", "XDG_RUNTIME_DIR"}) {
+    for (const char *unset : {"OFP_HOST_CONFIG", "OFP_TRACE", "OFP_START_TIMEOUT", "OFP_STAND_IN",
+                              "OFP_AGENT_OPTIONS", "XDG_RUNTIME_DIR"}) {
         unsetenv(unset);
     }
 }

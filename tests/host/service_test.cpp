@@ -1,6 +1,8 @@
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -225,6 +227,17 @@ TEST_F(Service, AgentThatHangsIsEndedAfterTheTimeOut)
     });
 }
 
+TEST_F(Service, TimeOutThatIsNoNumberOfSecondsIsRefused)
+{
+    in_child([] {
+        for (const char *wrong : {"ten", "0", "-1", "1s", "3601", "nan", "inf"}) {
+            setenv("OFP_START_TIMEOUT", wrong, 1);
+            EXPECT_EQ(SERVICE_Start(0, "OFP", 0, 0), uint32_t{OFP_RC_FAILED});
+            expect_error("expected seconds, above 0 to 3600");
+        }
+    });
+}
+
 TEST_F(Service, ProgramThatIsMissingOrNoProgramIsNamed)
 {
     write_file("script", "not a program");
@@ -241,17 +254,47 @@ TEST_F(Service, ProgramThatIsMissingOrNoProgramIsNamed)
     });
 }
 
-TEST_F(Service, AgentIsFoundInThePath)
+TEST_F(Service, OptionsOfTheEnvironmentReachTheAgent)
 {
-    ASSERT_EQ(symlink(STAND_IN_AGENT, path("ofp-agent").c_str()), 0);
-    if (access((std::string(HOST_LIBRARY) + "/../../bin/ofp-agent").c_str(), X_OK) == 0) {
-        GTEST_SKIP() << "the build's own agent comes first";
-    }
-    in_child([this] {
-        unsetenv("OFP_AGENT");
-        setenv("PATH", ("/nowhere:" + directory_).c_str(), 1);
+    in_child([] {
+        setenv("OFP_AGENT_OPTIONS", "  --ACLTableNum=16  --TDEnable 1 ", 1);
         EXPECT_EQ(SERVICE_Start(0, "OFP", 0, 0), 0u) << HOST_LastError();
+        EXPECT_EQ(ask("arguments"), "--node|0|--ready-fd|3|--ACLTableNum=16|--TDEnable|1|");
     });
+}
+
+/* A program with its own copy of the library, without OFP_AGENT. */
+class FindAgent : public HostTest {
+protected:
+    FindAgent()
+    {
+        std::filesystem::create_directories(path("lib"));
+        std::filesystem::create_directories(path("bin"));
+        std::filesystem::create_directories(path("path"));
+        std::filesystem::copy(HOST_LIBRARY, path("lib/libofp-host.so.1"));
+    }
+
+    /* What a start says there. */
+    std::string start() const
+    {
+        std::string command = "unset OFP_AGENT; LD_LIBRARY_PATH=" + path("lib") +
+                              " PATH=relative:/nowhere:" + path("path") +
+                              " " STAND_IN_AGENT " --start >" + path("said") + " 2>&1";
+        EXPECT_NE(system(command.c_str()), -1);
+        return read_file(path("said"));
+    }
+};
+
+TEST_F(FindAgent, BesideTheLibraryThenInThePath)
+{
+    EXPECT_EQ(start(), "no ofp-agent at " + path("lib/../bin/ofp-agent") +
+                           " nor in PATH; OFP_AGENT can name it\n"
+                           "no ofp-agent at " +
+                           path("lib/../bin/ofp-agent") + " nor in PATH; OFP_AGENT can name it\n");
+    std::filesystem::create_symlink(STAND_IN_AGENT, path("path/ofp-agent"));
+    EXPECT_EQ(start(), path("path/ofp-agent") + "\nstarted\n");
+    std::filesystem::create_symlink(STAND_IN_AGENT, path("bin/ofp-agent"));
+    EXPECT_EQ(start(), path("lib/../bin/ofp-agent") + "\nstarted\n");
 }
 
 TEST_F(Service, ClosedStandardDescriptorsDoNotMatter)

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -21,6 +22,7 @@
 namespace {
 
 std::string behaviour;
+std::string arguments;
 
 void pause_for(int milliseconds) { poll(nullptr, 0, milliseconds); }
 
@@ -98,6 +100,9 @@ std::string answer(const std::string &request)
         const char *value = getenv(request.c_str() + strlen("environment "));
         return value != nullptr ? value : "(unset)";
     }
+    if (request == "arguments") {
+        return arguments;
+    }
     if (request == "die") {
         raise(SIGKILL);
     }
@@ -174,6 +179,17 @@ int run(uint16_t node, int ready)
     return 1;
 }
 
+/* What a program of this library finds and does: the agent's program file, then a start. */
+int start_agent()
+{
+    char program[4096];
+    bool found = HOST_GetAgentProgram(program, sizeof program) == 0;
+    printf("%s\n", found ? program : HOST_LastError());
+    uint32_t code = SERVICE_Start(0, HOST_SERVICE, 0, 0);
+    printf("%s\n", code == 0 ? "started" : HOST_LastError());
+    return code == 0 ? 0 : 1;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -181,8 +197,14 @@ int main(int argc, char **argv)
     const char *chosen = getenv("OFP_STAND_IN");
     behaviour = chosen != nullptr ? chosen : "";
     alarm(50); /* never outlives its test by long */
-    if (argc != 5 || strcmp(argv[1], "--node") != 0 || strcmp(argv[3], "--ready-fd") != 0) {
+    if (argc == 2 && strcmp(argv[1], "--start") == 0) {
+        return start_agent();
+    }
+    if (argc < 5 || strcmp(argv[1], "--node") != 0 || strcmp(argv[3], "--ready-fd") != 0) {
         return 2;
+    }
+    for (int i = 1; i < argc; ++i) {
+        arguments += std::string(argv[i]) + "|";
     }
     return run(static_cast<uint16_t>(atoi(argv[2])), atoi(argv[4]));
 }

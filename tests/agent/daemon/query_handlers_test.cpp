@@ -167,11 +167,13 @@ TEST_F(Queries, ARuleIsShownAsTheFlowModThatProgrammedIt)
 TEST_F(Queries, AFlowModTooLongForAReplyIsNotShownInPart)
 {
     // As many actions as take a flow-mod to the longest that a datagram of 49152 bytes carries.
-    Datagram message = flow_mod(0, {});
+    ask(model, group_request(0x50000003, group_mod(9)));
+    Datagram message = join({flow_mod(0, {}), hex("0016 0008 00000009")}); // to group 9
     constexpr size_t LENGTH = 49104;
-    const size_t actions = LENGTH - message.size();
-    for (size_t i = 0; i < actions / 16; ++i) {
-        message = join({message, hex("0000 0010 00000003 0000 000000000000")});
+    const size_t actions = LENGTH - message.size() + 8;
+    while (message.size() < LENGTH) {
+        const Datagram output = hex("0000 0010 00000003 0000 000000000000");
+        message.insert(message.end(), output.begin(), output.end());
     }
     ASSERT_EQ(message.size(), LENGTH);
     const auto set16 = [&message](size_t at, size_t value) {
