@@ -1,4 +1,4 @@
-#include "ofp/async.h"
+#include "flow/async.h"
 
 #include <cstdlib>
 
@@ -6,6 +6,7 @@
 #include "flow/openflow.h"
 #include "flow/reply.h"
 #include "flow/rule.h"
+#include "ofp/async.h"
 #include "ofp/channel.h"
 #include "ofp/codec.h"
 #include "ofp/result.h"
@@ -34,12 +35,6 @@ struct AsyncChannel {
 
 constinit AsyncChannel channels[4] = {};
 constinit uint32_t transaction_id = 0x80000000;
-
-uint32_t next_transaction_id()
-{
-    transaction_id = transaction_id == 0xffffffff ? 0x80000000 : transaction_id + 1;
-    return transaction_id;
-}
 
 AsyncChannel *channel_of_socket(int32_t socket)
 {
@@ -112,8 +107,9 @@ uint32_t track(AsyncChannel &channel, const OfpFlowRuleCtx &request, const OfpFl
 
 uint32_t send_rule(uint32_t command, uint16_t client_id, uint8_t table_id, const OfpFlowItem *item)
 {
+    transaction_id = transaction_after(transaction_id);
     const OfpFlowRuleCtx request = {.command = command,
-                                    .xid = next_transaction_id(),
+                                    .xid = transaction_id,
                                     .client_id = client_id,
                                     .asynchronous = 1,
                                     .table_id = table_id};

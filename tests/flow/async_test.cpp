@@ -1,4 +1,4 @@
-#include "ofp/async.h"
+#include "flow/async.h"
 
 #include <functional>
 
@@ -34,6 +34,12 @@ void take_not(uint32_t, uint8_t, const OfpFlowItem *, uint64_t) { ADD_FAILURE();
 // The transaction id of the last rule sent.
 uint32_t last_xid() { return openflow_messages(platform.sent.back())[0].u32(4); }
 
+uint32_t add(uint32_t in_port, uint16_t client = 4096)
+{
+    Rule rule(in_port);
+    return OFP_AsyncAddFlowRule(client, 200, &rule.item);
+}
+
 class Async : public FlowTest {
 protected:
     Async()
@@ -57,11 +63,6 @@ protected:
     {
         OFP_AsyncFini(socket);
         opened_.erase(socket);
-    }
-    uint32_t add(uint32_t in_port, uint16_t client = 4096)
-    {
-        Rule rule(in_port);
-        return OFP_AsyncAddFlowRule(client, 200, &rule.item);
     }
     void dispatch(int32_t socket, const Bytes &reply)
     {
@@ -273,17 +274,17 @@ TEST_F(Async, ShortMemoryIsToldAfterTheRuleWentOut)
     }
 }
 
-TEST_F(Async, TransactionIdsWrapToTheUpperHalf)
+TEST_F(Async, TransactionIdsStayInTheUpperHalf)
 {
-    const int32_t socket = open(4096, nullptr);
+    EXPECT_EQ(ofp::transaction_after(0x80000000), 0x80000001u);
+    EXPECT_EQ(ofp::transaction_after(0xfffffffe), 0xffffffffu);
+    EXPECT_EQ(ofp::transaction_after(0xffffffff), 0x80000000u);
     in_fresh_process([] {
         platform.reply(barrier_reply(0));
-        OFP_SmoothStart(4096, smooth_id, smooth_mode);
-        const int32_t own = OFP_AsyncInit(4096, nullptr);
-        Rule rule(1);
-        OFP_AsyncAddFlowRule(4096, 200, &rule.item);
-        EXPECT_EQ(last_xid(), 0x80000001u);
-        OFP_AsyncFini(own);
+        EXPECT_EQ(OFP_SmoothStart(4096, smooth_id, smooth_mode), ok);
+        const int32_t socket = OFP_AsyncInit(4096, nullptr);
+        EXPECT_EQ(add(1), ok);
+        EXPECT_EQ(last_xid(), 0x80000001u); // the first of a process
+        OFP_AsyncFini(socket);
     });
-    close(socket);
 }

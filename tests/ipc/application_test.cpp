@@ -290,9 +290,10 @@ TEST_F(Application, EveryDatagramFindsAZeroedBuffer)
 TEST_F(Application, ABufferPutInPlaceByTheApplicationIsClearedWhole)
 {
     const int32_t socket = registered();
+    uint8_t *const own = static_cast<uint8_t *>(memory::give(49152));
+    std::memset(own, 0xaa, 49152);
     std::free(g_pucRecvBuf);
-    g_pucRecvBuf = static_cast<uint8_t *>(memory::give(49152));
-    std::memset(g_pucRecvBuf, 0xaa, 49152);
+    g_pucRecvBuf = own;
     EXPECT_EQ(OFP_Dispatch(socket), 0u);
     EXPECT_EQ(OFP_util_IsMemZero(g_pucRecvBuf, 49152), 1);
 }

@@ -1,5 +1,7 @@
 #include "ipc/event.h"
 
+#include <cstring>
+
 #include "double/platform.h"
 #include "ofp.h"
 
