@@ -18,7 +18,9 @@
 #include "ofp/channel.h"
 #include "ofp/codec.h"
 
+#include "ofp/interface.h"
 #include "ofp/util.h"
+#include "ofp/vlan.h"
 
 #include "ofp/config.h"
 

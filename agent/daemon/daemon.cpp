@@ -66,6 +66,23 @@ void raise_descriptor_limit()
     }
 }
 
+// A node of the switch that the host port describes.
+bool is_described(uint16_t node, std::string &why_not)
+{
+    const HostConfig *const config = HOST_GetConfig();
+    if (!config) {
+        why_not = HOST_LastError();
+        return false;
+    }
+    for (uint32_t i = 0; i < config->node_count; ++i) {
+        if (config->nodes[i].id == node) {
+            return true;
+        }
+    }
+    why_not = fmt::format("the switch has no node {}", node);
+    return false;
+}
+
 bool open_log(const Options &options, std::string &why_not)
 {
     if (options.foreground && options.log_file.empty()) {
@@ -137,11 +154,14 @@ int fail(const std::string &why_not, const Announce &announce)
 
 int run(const Options &options, const Announce &announce)
 {
+    std::string why_not;
+    if (!is_described(options.node, why_not)) {
+        return fail(why_not, announce);
+    }
     const Descriptor lock(HOST_LockAgent(options.node));
     if (!lock) {
         return fail(HOST_LastError(), announce);
     }
-    std::string why_not;
     if (!open_log(options, why_not)) {
         return fail(why_not, announce);
     }

@@ -1,4 +1,5 @@
 // ofp-agent: reads its command line, leaves the terminal unless told to stay, runs.
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -81,11 +82,26 @@ int detach(agent::Options &options)
     return -1;
 }
 
+// That the agent is ready, or why it is not: to whoever waits for word, else to the terminal.
+void announce(agent::Options &options, const std::string &why_not)
+{
+    if (options.ready_fd >= 0) {
+        write_all(options.ready_fd, why_not.empty() ? "ready\n" : why_not + '\n');
+        close(options.ready_fd);
+        options.ready_fd = -1;
+    } else if (!why_not.empty()) {
+        std::fprintf(stderr, "ofp-agent: %s\n", why_not.c_str());
+    }
+}
+
 int start(int argc, char **argv)
 {
     agent::Options options;
     const agent::Parsed parsed = agent::parse_options(argc, argv, options);
     if (!parsed.run) {
+        if (!parsed.why_not.empty()) {
+            announce(options, parsed.why_not);
+        }
         return parsed.exit_code;
     }
     if (!options.foreground && options.ready_fd < 0) {
@@ -94,21 +110,15 @@ int start(int argc, char **argv)
             return status;
         }
     }
-    return agent::run(options, [&options](const std::string &why_not) {
-        if (options.ready_fd >= 0) {
-            write_all(options.ready_fd, why_not.empty() ? "ready\n" : why_not + '\n');
-            close(options.ready_fd);
-            options.ready_fd = -1;
-        } else if (!why_not.empty()) {
-            std::fprintf(stderr, "ofp-agent: %s\n", why_not.c_str());
-        }
-    });
+    return agent::run(options,
+                      [&options](const std::string &why_not) { announce(options, why_not); });
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
+    std::signal(SIGPIPE, SIG_IGN); // who waited for word may be gone
     try {
         return start(argc, argv);
     } catch (const std::exception &failure) {

@@ -1,6 +1,9 @@
 #include "daemon/options.h"
 
-#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -25,14 +28,26 @@ constexpr const char *START_UP_OPTIONS =
     "Signals: SIGTERM and SIGINT end the agent, SIGHUP opens its log file again.\n"
     "Environment: OFP_RUNTIME_DIR (socket, lock and log), OFP_HOST_CONFIG (the switch).\n";
 
-int wrong(const char *what)
+Parsed wrong(std::string why_not) { return {false, WRONG_USAGE, std::move(why_not)}; }
+
+// Found before all else: what is wrong with the line is said there too.
+int find_ready_fd(int argc, char **argv)
 {
-    std::fprintf(stderr, "ofp-agent: %s\n", what);
-    return WRONG_USAGE;
+    constexpr std::string_view NAME = "--ready-fd";
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == NAME && i + 1 < argc) {
+            return std::atoi(argv[i + 1]);
+        }
+        if (argument.starts_with(NAME) && argument.substr(NAME.size()).starts_with('=')) {
+            return std::atoi(argv[i] + NAME.size() + 1);
+        }
+    }
+    return -1;
 }
 
 // The library knows the start-up options; they are what is left when ours are taken out.
-int parse_start_up(char *program, std::vector<std::string> arguments, OfpDaemonParam &param)
+Parsed parse_start_up(char *program, std::vector<std::string> arguments, OfpDaemonParam &param)
 {
     std::vector<char *> argv{program};
     for (std::string &argument : arguments) {
@@ -44,45 +59,51 @@ int parse_start_up(char *program, std::vector<std::string> arguments, OfpDaemonP
     if (OFP_util_ParseArg(&argc, argv.data(), &param) != 0) {
         return wrong(HOST_LastError());
     }
-    return param.ACLMaxFlowEntry > 0 ? 0 : wrong("--ACLMaxFlowEntry must be at least 1");
+    if (param.ACLMaxFlowEntry == 0) {
+        return wrong("--ACLMaxFlowEntry must be at least 1");
+    }
+    return {true, 0, {}};
 }
 
 } // namespace
 
 Parsed parse_options(int argc, char **argv, Options &options)
 {
+    options.ready_fd = find_ready_fd(argc, argv);
     CLI::App app("The development agent of an OpenFlow switch, its switch held in memory.",
                  "ofp-agent");
     app.footer(START_UP_OPTIONS);
     app.allow_extras();
     app.set_version_flag("--version", "ofp-agent " OFP_AGENT_VERSION);
-    auto *const node = app.add_option("--node", options.node, "Node that the agent serves")
-                           ->type_name("N")
-                           ->default_str("the system master");
+    auto *const node =
+        app.add_option("--node", options.node, "Node that the agent serves (the system master)")
+            ->type_name("N");
     app.add_option("--ready-fd", options.ready_fd,
                    "Descriptor that takes \"ready\" once the agent listens, or why it does not")
         ->type_name("FD");
     app.add_flag("--foreground", options.foreground,
                  "Stay attached to the terminal and log to standard error");
-    app.add_option("--log-level", options.log_level, "trace, debug, info, warning or error")
-        ->type_name("LEVEL")
-        ->capture_default_str();
-    app.add_option("--log-file", options.log_file, "Log file")
-        ->type_name("FILE")
-        ->default_str("agent.log in the runtime directory");
+    app.add_option("--log-level", options.log_level, "trace, debug, info, warning or error (info)")
+        ->type_name("LEVEL");
+    app.add_option("--log-file", options.log_file, "Log file (agent.log in the runtime directory)")
+        ->type_name("FILE");
     try {
         app.parse(argc, argv);
+    } catch (const CLI::Success &asked) {
+        return {false, app.exit(asked), {}};
     } catch (const CLI::ParseError &error) {
-        return {false, app.exit(error) == 0 ? 0 : WRONG_USAGE};
+        return wrong(error.what());
     }
     if (!log::set_level(options.log_level)) {
-        return {false, wrong("--log-level is trace, debug, info, warning or error")};
+        return wrong("--log-level is trace, debug, info, warning or error");
     }
     if (node->empty()) {
         options.node = DEV_GetSystemMaster();
     }
-    const int status = parse_start_up(argv[0], app.remaining(), options.param);
-    return {status == 0, status};
+    if (!options.log_file.empty()) {
+        options.log_file = std::filesystem::absolute(options.log_file); // the folder will change
+    }
+    return parse_start_up(argv[0], app.remaining(), options.param);
 }
 
 } // namespace agent

@@ -21,9 +21,11 @@ struct Options {
 struct Parsed {
     bool run = false;
     int exit_code = 0;
+    std::string why_not; // one line, empty when nothing is wrong
 };
 
-// Reads the command line; prints help, version or what is wrong itself.
+// Reads the command line; prints help or version if that is asked for. The descriptor that waits
+// for word is known to options even when the rest of the line is wrong.
 Parsed parse_options(int argc, char **argv, Options &options);
 
 } // namespace agent

@@ -31,7 +31,6 @@ public:
 
 private:
     struct Connection;
-    enum class Sent : uint8_t { all, in_part, never };
 
     static void on_listener(int fd, short what, void *server);
     static void on_retry(int fd, short what, void *server);

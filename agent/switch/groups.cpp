@@ -15,14 +15,14 @@ bool too_high(uint32_t port, uint32_t highest)
 
 std::optional<Error> check_ports(const openflow::Bucket &bucket, uint32_t highest)
 {
-    if (too_high(bucket.watch_port, highest)) {
-        return failed(openflow::OFPGMFC_BAD_WATCH);
-    }
     openflow::ActionWalk actions(bucket.actions);
     while (const auto action = actions.next()) {
         if (too_high(openflow::output_port(*action).value_or(0), highest)) {
             return Error{openflow::OFPET_BAD_ACTION, openflow::OFPBAC_BAD_OUT_PORT};
         }
+    }
+    if (too_high(bucket.watch_port, highest)) {
+        return failed(openflow::OFPGMFC_BAD_WATCH);
     }
     return {};
 }

@@ -138,10 +138,7 @@ RuleIndex::Node *RuleIndex::make_node(const MaskRef &common, const MaskRef &base
 void RuleIndex::free_node(Node *node) noexcept
 {
     const size_t size = size_of(node->capacity);
-    if (node->views != nullptr) {
-        node->views->~Views();
-        memory_->deallocate(node->views, sizeof(Views), alignof(Views));
-    }
+    free_views(node->views);
     node->~Node();
     memory_->deallocate(node, size, alignof(Node));
 }
@@ -201,6 +198,9 @@ bool RuleIndex::overlaps_node(Node &node, KeyView key)
 {
     if (node.views == nullptr) {
         return overlaps_list(node, key);
+    }
+    if (!compatible(node.views->agreement.view(), key)) {
+        return false;
     }
     const View *view = covered_view(node, *key.mask);
     if (view == nullptr) {

@@ -15,6 +15,7 @@
 #include <optional>
 #include <vector>
 
+#include "switch/agreement.h"
 #include "switch/hash_table.h"
 #include "switch/key.h"
 #include "switch/mask.h"
@@ -55,7 +56,10 @@ private:
     };
 
     struct Views {
-        explicit Views(std::pmr::memory_resource *memory) : by_bits(memory) {}
+        Views(Agreement all, std::pmr::memory_resource *memory)
+            : agreement(std::move(all)), by_bits(memory)
+        {}
+        Agreement agreement;
         std::pmr::vector<View> by_bits; // none covers another
         std::optional<HashTable> by_mask;
     };
@@ -107,10 +111,15 @@ private:
     void erase_views(Node &node, uint32_t id) noexcept;
     static const View *covered_view(const Node &node, const Mask &mask);
     const View *view_for(Node &node, const MaskRef &mask);
+    Views *make_views(const Agreement &agreement);
+    void free_views(Views *views) noexcept;
+    uint32_t make_heir(const Node &node, const MaskRef &base);
+    void bequeath(Node &node, uint32_t heir) noexcept;
     View make_view(const Node &node, const MaskRef &mask);
     HashTable &split_by_mask(Node &node);
     HashTable split_mixed(const Node &node);
     HashTable split_uniform(Node &node);
+    void push_down(Node &node, const MaskRef &mask);
     void drop_views_unless_covered(Node &node, const Mask &mask) noexcept;
     void drop_views_that_cover(Node &node, const Mask &mask) noexcept;
 

@@ -51,16 +51,34 @@ bool RuleIndex::spreads(const Node &node, const MaskRef &mask)
            masks_.share(node.common, mask, node.base)->map != 0;
 }
 
+RuleIndex::Views *RuleIndex::make_views(const Agreement &agreement)
+{
+    Agreement copy = agreement;
+    void *block = memory_->allocate(sizeof(Views), alignof(Views));
+    return new (block) Views(std::move(copy), memory_);
+}
+
+void RuleIndex::free_views(Views *views) noexcept
+{
+    if (views != nullptr) {
+        views->~Views();
+        memory_->deallocate(views, sizeof(Views), alignof(Views));
+    }
+}
+
 // Gives a list a view, or the split by masks, that takes in a rule with this mask.
 void RuleIndex::spread(uint32_t number, const MaskRef &mask)
 {
     Node *list = nodes_[number];
+    Agreement agreement(key_of(number_of(list->list()[0].ref)), memory_);
+    for (const Entry *at = list->list(); at != list->list() + list->rules; at++) {
+        agreement.narrow(key_of(number_of(at->ref)), masks_);
+    }
     Node *node = make_node(list->common, list->base, 0);
     node->rules = list->rules;
     node->mixed = list->mixed;
     try {
-        void *block = memory_->allocate(sizeof(Views), alignof(Views));
-        node->views = new (block) Views(memory_);
+        node->views = make_views(agreement);
         const MaskRef shared = masks_.share(list->common, mask, list->base);
         if (shared->map != 0) {
             node->views->by_bits.reserve(1);
@@ -84,6 +102,7 @@ void RuleIndex::insert_views(Node &node, uint32_t id)
         split_by_mask(node);
     }
     drop_views_unless_covered(node, *mask);
+    node.views->agreement.narrow(key_of(id), masks_);
     std::pmr::vector<View> &views = node.views->by_bits;
     size_t done = 0;
     try {
@@ -142,6 +161,10 @@ const RuleIndex::View *RuleIndex::view_for(Node &node, const MaskRef &mask)
     if (views.size() >= MANY_VIEWS) {
         shared = masks_.first_word(shared);
     }
+    if (covers(*node.views->agreement.mask(), *shared)) {
+        push_down(node, shared);
+        return &node.views->by_bits.front();
+    }
     views.reserve(views.size() + 1);
     View view = make_view(node, shared);
     drop_views_that_cover(node, *shared);
@@ -189,27 +212,56 @@ HashTable RuleIndex::split_mixed(const Node &node)
     return buckets;
 }
 
+// A node that can take over all that this one has.
+uint32_t RuleIndex::make_heir(const Node &node, const MaskRef &base)
+{
+    Node *heir = make_node(node.common, base, 0);
+    try {
+        heir->views = make_views(node.views->agreement);
+        return nodes_.add(heir);
+    } catch (...) {
+        free_node(heir);
+        throw;
+    }
+}
+
+void RuleIndex::bequeath(Node &node, uint32_t heir) noexcept
+{
+    nodes_[heir]->rules = node.rules;
+    nodes_[heir]->mixed = node.mixed;
+    std::swap(nodes_[heir]->views, node.views);
+}
+
 // All rules have one mask: the node's views go on as those of the only bucket.
 HashTable RuleIndex::split_uniform(Node &node)
 {
     HashTable buckets(memory_);
-    Node *only = make_node(node.common, node.base, 0);
-    uint32_t number = 0;
+    const uint32_t heir = make_heir(node, node.base);
     try {
-        void *block = memory_->allocate(sizeof(Views), alignof(Views));
-        only->views = new (block) Views(memory_);
-        number = nodes_.add(only);
-        buckets.insert(spread_tag(node.common->id), node_ref(number));
+        buckets.insert(spread_tag(node.common->id), node_ref(heir));
     } catch (...) {
-        if (number != 0) {
-            nodes_.remove(number);
-        }
-        free_node(only);
+        destroy_node(heir);
         throw;
     }
-    only->rules = node.rules;
-    std::swap(only->views, node.views);
+    bequeath(node, heir);
     return buckets;
+}
+
+// All rules agree on the bits of the mask: a view on it has one bucket, with all that was there.
+void RuleIndex::push_down(Node &node, const MaskRef &mask)
+{
+    View view{mask, masks_.unite(node.base, mask), HashTable(memory_)};
+    const uint32_t heir = make_heir(node, view.below);
+    try {
+        nodes_[heir]->views->by_bits.reserve(1);
+        const uint32_t tag = project(node.views->agreement.view(), *mask);
+        view.buckets.insert(tag, node_ref(heir));
+    } catch (...) {
+        destroy_node(heir);
+        throw;
+    }
+    bequeath(node, heir);
+    node.views->by_bits.push_back(std::move(view));
 }
 
 void RuleIndex::drop_views_unless_covered(Node &node, const Mask &mask) noexcept

@@ -41,6 +41,8 @@
     X(SET_AUX_CFG, 30)                                                                             \
     X(UNSET_OAP_SERVER, 31)                                                                        \
     X(SET_OAP_SERVER, 32)                                                                          \
+    X(BIND_PORT, 33)                                                                               \
+    X(UNBIND_PORT, 34)                                                                             \
     X(RESET_CACHE, 35) /* not answered */                                                          \
     X(SET_PERMIT_PORT_TYPE, 36)                                                                    \
     X(SET_TD_TEST_GLB_DEBUG, 37)                                                                   \
@@ -48,6 +50,8 @@
     X(SET_TCP_NSR, 39)                                                                             \
     X(PROC_CONFIG_EVENT, 40)                                                                       \
     X(SET_RESV_ACL_RES, 41)                                                                        \
+    X(SHUTDOWN_PORT, 42)                                                                           \
+    X(START_PORT, 43)                                                                              \
     X(SET_LOOP_PROTECT, 44)                                                                        \
     X(SET_ENABLE_ALAL_FUNCTION, 45)                                                                \
     X(PROC_ALAL_PKT_OUT, 46)                                                                       \
@@ -146,7 +150,7 @@
     X(EVENT, 0x5000000b) /* agent daemon to application */
 
 enum {
-#define OFP_ROW(name, code) OFP_MSG_##name = code,
+#define OFP_ROW(name, code) OFP_MSG_##name = (code),
     OFP_MESSAGE_CODES(OFP_ROW)
 #undef OFP_ROW
 };

@@ -20,7 +20,7 @@
     X(OFP_RC_DAEMON_DOWN, 0x6001002f, "the agent daemon is not running")
 
 enum {
-#define OFP_ROW(name, code, text) name = code,
+#define OFP_ROW(name, code, text) name = (code),
     OFP_RESULT_CODES(OFP_ROW)
 #undef OFP_ROW
 };

@@ -18,7 +18,8 @@ OFP_BEGIN_DECLS
 OFP_API uint16_t OFP_util_IsDaemonStart(void);
 
 /* Starts the service on the system master, then on every other node that is up. 0 when it runs
- * already; else the platform's code, or OFP_RC_FAILED when the nodes cannot be listed. */
+ * already; else the platform's code, or OFP_RC_FAILED when the nodes cannot be listed or memory is
+ * short. */
 OFP_API uint32_t OFP_util_StartDaemon(void);
 
 /* Starts the service on one node unless it runs there. */
@@ -100,7 +101,8 @@ OFP_API uint64_t OFP_util_DecapInstFilterTLV(const uint8_t *buffer, uint64_t len
                                              OfpInstFilter *filter);
 
 /* The same values without TLV headers, in host order: 16 bytes (kinds 1, 4), 12 (kinds 2, 5) or 8.
- * Both return that size. */
+ * Both return that size, also when the buffer is shorter: what it lacks is not written, or read as
+ * zero. */
 OFP_API uint64_t OFP_util_PatchInstFilterTLV(const OfpInstFilter *filter, uint64_t room,
                                              uint8_t *out);
 OFP_API uint64_t OFP_util_SplitInstFilterTLV(const uint8_t *compact, uint64_t length,

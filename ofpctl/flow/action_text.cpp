@@ -210,7 +210,8 @@ bool report_unknown(const Word &word, Problem &problem)
                     [&](auto name) { return same_word(word.name, name); }))
         return problem.report(word.name, fmt::format("the library cannot send {}", word.name),
                               "it writes output, group and exp in one write_actions");
-    if (find_keyword(word.name) != nullptr)
+    const Keyword *option = find_keyword(word.name);
+    if (option != nullptr && option->option != Option::actions)
         return problem.report(word.name, fmt::format("{} is no action", word.name),
                               "write the actions last");
     Nearest nearest(word.name);

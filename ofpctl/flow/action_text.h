@@ -1,6 +1,5 @@
 // The actions of a flow as text: drop, output:2, group:7, exp(0):1:2, write_actions(...).
-#ifndef OFPCTL_FLOW_ACTION_TEXT_H
-#define OFPCTL_FLOW_ACTION_TEXT_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -22,5 +21,3 @@ OfpActionGroup as_group(const OfpAction &action);
 OfpActionExperimenter as_experimenter(const OfpAction &action);
 
 } // namespace ofpctl
-
-#endif

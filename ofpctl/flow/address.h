@@ -1,6 +1,5 @@
 // MAC, IPv4 and IPv6 addresses as text.
-#ifndef OFPCTL_FLOW_ADDRESS_H
-#define OFPCTL_FLOW_ADDRESS_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -20,5 +19,3 @@ void append_ipv4(std::string &out, uint32_t address);
 void append_ipv6(std::string &out, Wide address);
 
 } // namespace ofpctl
-
-#endif

@@ -1,6 +1,5 @@
 // Experimenter match items as text: flow_flag=0x5, string="abc", exp(44)=00000007.
-#ifndef OFPCTL_FLOW_EXPERIMENTER_TEXT_H
-#define OFPCTL_FLOW_EXPERIMENTER_TEXT_H
+#pragma once
 
 #include <cstdint>
 #include <optional>
@@ -36,5 +35,3 @@ std::optional<std::string_view> experimenter_string(const OfpExpMatchItem &item)
 void append_quoted(std::string &out, std::string_view text);
 
 } // namespace ofpctl
-
-#endif

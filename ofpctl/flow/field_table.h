@@ -1,7 +1,6 @@
 // The match fields of a flow item: names, width, form of their text, what they need, and where
 // their value and mask lie.
-#ifndef OFPCTL_FLOW_FIELD_TABLE_H
-#define OFPCTL_FLOW_FIELD_TABLE_H
+#pragma once
 
 #include <cstdint>
 #include <span>
@@ -77,5 +76,3 @@ Wide effective_value(const OfpFRMatch &match, const Field &field); // its bits u
 bool takes_part(const OfpFRMatch &match, const Field &field);
 
 } // namespace ofpctl
-
-#endif

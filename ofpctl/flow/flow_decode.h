@@ -1,6 +1,5 @@
 // Flow-mod messages, as the library writes them, back to flow items.
-#ifndef OFPCTL_FLOW_DECODE_H
-#define OFPCTL_FLOW_DECODE_H
+#pragma once
 
 #include <cstdint>
 #include <span>
@@ -18,5 +17,3 @@ using FlowDecodeResult = std::variant<Flow, std::string>;
 FlowDecodeResult decode_flow_mod(std::span<const uint8_t> message);
 
 } // namespace ofpctl
-
-#endif

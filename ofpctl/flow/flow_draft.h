@@ -1,7 +1,6 @@
 // A flow item under construction: everything in one place, laid into memory of its own when it is
 // complete.
-#ifndef OFPCTL_FLOW_FLOW_DRAFT_H
-#define OFPCTL_FLOW_FLOW_DRAFT_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -60,5 +59,3 @@ private:
 };
 
 } // namespace ofpctl
-
-#endif

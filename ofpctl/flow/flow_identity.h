@@ -1,6 +1,5 @@
 // When two flow items are the same rule, and when they do the same.
-#ifndef OFPCTL_FLOW_IDENTITY_H
-#define OFPCTL_FLOW_IDENTITY_H
+#pragma once
 
 #include <cstddef>
 
@@ -25,5 +24,3 @@ struct RuleEqual {
 };
 
 } // namespace ofpctl
-
-#endif

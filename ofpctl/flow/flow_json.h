@@ -1,8 +1,7 @@
 // Flow rules as JSON, both directions:
 // {"table":200,"priority":100,"match":{"eth_type":"0x0800","ipv4_dst":"10.0.0.0/24"},
 //  "actions":[{"output":2}]}
-#ifndef OFPCTL_FLOW_JSON_H
-#define OFPCTL_FLOW_JSON_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -29,5 +28,3 @@ std::vector<TextError> parse_flows_json(std::string_view document, ParseMode mod
 std::string flow_to_json(const OfpFlowItem &item, uint8_t table = flow_table);
 
 } // namespace ofpctl
-
-#endif

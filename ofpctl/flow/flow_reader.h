@@ -1,7 +1,6 @@
 // Flow rules from files: lines of text, JSON, or JSON lines, with errors that name file, line and
 // column.
-#ifndef OFPCTL_FLOW_READER_H
-#define OFPCTL_FLOW_READER_H
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -37,5 +36,3 @@ std::vector<SourceError> load_flows(int descriptor, std::string_view name,
                                     const LoadOptions &options, FlowSet &flows);
 
 } // namespace ofpctl
-
-#endif

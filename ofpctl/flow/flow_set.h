@@ -1,6 +1,5 @@
 // Many flow items as the contiguous array the library's calls take.
-#ifndef OFPCTL_FLOW_SET_H
-#define OFPCTL_FLOW_SET_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -51,5 +50,3 @@ private:
 };
 
 } // namespace ofpctl
-
-#endif

@@ -2,8 +2,7 @@
 //
 // What the library cannot put on the wire is refused here, with the reason: text that loads is a
 // rule the library sends as written. docs/flow-text.md is the reference of the syntax.
-#ifndef OFPCTL_FLOW_TEXT_H
-#define OFPCTL_FLOW_TEXT_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -62,5 +61,3 @@ std::string format_match(const OfpFRMatch &match);
 std::string format_actions(const OfpFlowItem &item);
 
 } // namespace ofpctl
-
-#endif

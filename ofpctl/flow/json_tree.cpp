@@ -1,5 +1,6 @@
 #include "flow/json_tree.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include <fmt/format.h>
@@ -81,7 +82,7 @@ private:
     bool scalar(JsonValue::Kind kind, std::string text);
     bool open(JsonValue::Kind kind);
     bool close();
-    JsonValue &slot(JsonValue::Kind kind);
+    JsonValue &slot(JsonValue::Kind kind, std::size_t length);
 
     std::string_view text_;
     const char *&reached_;
@@ -90,14 +91,14 @@ private:
     std::vector<JsonValue *> open_;
 };
 
-// Where the next value goes.
-JsonValue &Builder::slot(JsonValue::Kind kind)
+// Where the next value goes; the parser has read length characters of it and behind it.
+JsonValue &Builder::slot(JsonValue::Kind kind, std::size_t length)
 {
     JsonValue *place = &root_;
     if (!open_.empty()) {
         JsonValue &parent = *open_.back();
         if (parent.kind == JsonValue::Kind::array)
-            parent.members.push_back({{}, position() > 0 ? position() - 1 : 0, {}});
+            parent.members.push_back({{}, position() - std::min(length, position()), {}});
         place = &parent.members.back().value;
     }
     place->kind = kind;
@@ -106,7 +107,11 @@ JsonValue &Builder::slot(JsonValue::Kind kind)
 
 bool Builder::scalar(JsonValue::Kind kind, std::string text)
 {
-    slot(kind).text = std::move(text);
+    // A string has quotes around it; that a number ends shows only behind it.
+    const std::size_t around = kind == JsonValue::Kind::string   ? 2
+                               : kind == JsonValue::Kind::number ? 1
+                                                                 : 0;
+    slot(kind, text.size() + around).text = std::move(text);
     return true;
 }
 
@@ -115,7 +120,7 @@ bool Builder::open(JsonValue::Kind kind)
 {
     if (open_.size() == deepest)
         return problem_.report(text_.substr(position() - 1, 1), "nested too deeply");
-    open_.push_back(&slot(kind));
+    open_.push_back(&slot(kind, 1));
     return true;
 }
 

@@ -1,6 +1,5 @@
 // A JSON text as a tree that remembers where each member stands, so that errors can name the place.
-#ifndef OFPCTL_FLOW_JSON_TREE_H
-#define OFPCTL_FLOW_JSON_TREE_H
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -34,5 +33,3 @@ bool parse_json(std::string_view text, JsonValue &value, Problem &problem);
 void append_json_string(std::string &out, std::string_view text);
 
 } // namespace ofpctl
-
-#endif

@@ -1,6 +1,5 @@
 // Every word that may begin an option of a flow line, and what it stands for.
-#ifndef OFPCTL_FLOW_KEYWORD_H
-#define OFPCTL_FLOW_KEYWORD_H
+#pragma once
 
 #include <cstdint>
 #include <string_view>
@@ -56,5 +55,3 @@ const Keyword *find_keyword(std::string_view word);
 std::string_view nearest_keyword(std::string_view word); // empty when none is near
 
 } // namespace ofpctl
-
-#endif

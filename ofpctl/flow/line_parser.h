@@ -1,6 +1,5 @@
 // One line of text into a draft: the options, their order and what must be there.
-#ifndef OFPCTL_FLOW_LINE_PARSER_H
-#define OFPCTL_FLOW_LINE_PARSER_H
+#pragma once
 
 #include <string_view>
 
@@ -50,5 +49,3 @@ TextError to_error(std::string_view line, Problem problem);
 std::string_view without_comment(std::string_view line);
 
 } // namespace ofpctl
-
-#endif

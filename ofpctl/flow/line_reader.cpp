@@ -23,10 +23,8 @@ bool LineReader::fill()
     }
     if (buffer_.size() < end_ + read_size)
         buffer_.resize(end_ + read_size);
-    ssize_t count;
-    do
-        count = ::read(descriptor_, buffer_.data() + end_, buffer_.size() - end_);
-    while (count < 0 && errno == EINTR);
+    // A signal that this program handles is the user's wish to stop: EINTR ends the reading.
+    const ssize_t count = ::read(descriptor_, buffer_.data() + end_, buffer_.size() - end_);
     if (count < 0)
         error_ = errno;
     if (count <= 0)

@@ -1,6 +1,5 @@
 // Lines of a file descriptor.
-#ifndef OFPCTL_LINE_READER_H
-#define OFPCTL_LINE_READER_H
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -40,5 +39,3 @@ private:
 };
 
 } // namespace ofpctl
-
-#endif

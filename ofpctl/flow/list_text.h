@@ -1,6 +1,5 @@
 // The fields that are lists: the words of ip_range and the interfaces of batch_if.
-#ifndef OFPCTL_FLOW_LIST_TEXT_H
-#define OFPCTL_FLOW_LIST_TEXT_H
+#pragma once
 
 #include <cstdint>
 #include <span>
@@ -25,5 +24,3 @@ bool parse_interfaces(std::string_view name, std::string_view text,
 void append_interfaces(std::string &out, std::span<const uint32_t> interfaces);
 
 } // namespace ofpctl
-
-#endif

@@ -1,6 +1,5 @@
 // The match of a flow as options of text: name=value, each read into the draft as it comes.
-#ifndef OFPCTL_FLOW_MATCH_TEXT_H
-#define OFPCTL_FLOW_MATCH_TEXT_H
+#pragma once
 
 #include <array>
 #include <cstdint>
@@ -73,5 +72,3 @@ void append_field_value(std::string &out, const OfpFRMatch &match, const Field &
 std::span<OfpExpMatchItem *const> experimenters(const OfpFRMatch &match);
 
 } // namespace ofpctl
-
-#endif

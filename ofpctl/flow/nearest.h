@@ -1,6 +1,5 @@
 // The word somebody meant.
-#ifndef OFPCTL_FLOW_NEAREST_H
-#define OFPCTL_FLOW_NEAREST_H
+#pragma once
 
 #include <cstddef>
 #include <limits>
@@ -38,5 +37,3 @@ private:
 };
 
 } // namespace ofpctl
-
-#endif

@@ -1,6 +1,5 @@
 // Numbers as text: decimal, or hexadecimal after 0x.
-#ifndef OFPCTL_FLOW_NUMBER_TEXT_H
-#define OFPCTL_FLOW_NUMBER_TEXT_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -30,5 +29,3 @@ void append_hex(std::string &out, uint64_t value, unsigned digits = 1);
 void append_byte(std::string &out, uint8_t value); // two digits, no 0x
 
 } // namespace ofpctl
-
-#endif

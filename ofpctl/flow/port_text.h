@@ -1,6 +1,5 @@
 // Port numbers and the names of the reserved ports.
-#ifndef OFPCTL_FLOW_PORT_TEXT_H
-#define OFPCTL_FLOW_PORT_TEXT_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -29,5 +28,3 @@ std::string_view reserved_port_name(uint32_t port); // empty for other ports
 void append_port(std::string &out, uint32_t port);
 
 } // namespace ofpctl
-
-#endif

@@ -1,6 +1,5 @@
 // What must be in a match beside a field: OpenFlow has no TCP port without "this is TCP".
-#ifndef OFPCTL_FLOW_PREREQUISITE_H
-#define OFPCTL_FLOW_PREREQUISITE_H
+#pragma once
 
 #include <cstdint>
 #include <string_view>
@@ -66,5 +65,3 @@ bool is_met(Needs needs, const Layers &layers);
 std::string_view describe(Needs needs);
 
 } // namespace ofpctl
-
-#endif

@@ -1,6 +1,5 @@
 // What is wrong with a piece of text, found deep in a parser and told to the user by its caller.
-#ifndef OFPCTL_FLOW_PROBLEM_H
-#define OFPCTL_FLOW_PROBLEM_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -24,5 +23,3 @@ struct Problem {
 };
 
 } // namespace ofpctl
-
-#endif

@@ -1,6 +1,5 @@
 // The value of one field as text, with its mask: 10.0.0.0/8, 0x50/0xf0, 00:11:22:33:44:55.
-#ifndef OFPCTL_FLOW_VALUE_TEXT_H
-#define OFPCTL_FLOW_VALUE_TEXT_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -25,5 +24,3 @@ bool parse_value(std::string_view name, std::string_view text, Form form, unsign
 void append_value(std::string &out, Form form, unsigned width, const MaskedValue &value);
 
 } // namespace ofpctl
-
-#endif

@@ -1,6 +1,5 @@
 // The value of any match field as one number: up to 64 bits in low, IPv6 addresses in both words.
-#ifndef OFPCTL_FLOW_WIDE_H
-#define OFPCTL_FLOW_WIDE_H
+#pragma once
 
 #include <bit>
 #include <cstddef>
@@ -60,5 +59,3 @@ constexpr void to_bytes(Wide value, uint8_t *bytes, std::size_t count)
 }
 
 } // namespace ofpctl
-
-#endif

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "frame/failure.h"
 #include "frame/suggest.h"
@@ -19,8 +20,8 @@ void check_word(const OptionRow &option, const std::string &word)
         if (choice == word)
             return;
     }
-    throw usage_failure(fmt::format("--{} {}: not a {}; {}", option.name, word, option.value,
-                                    one_of(word, choices)));
+    throw usage_failure(
+        fmt::format("--{}: \"{}\" is none of {}", option.name, word, fmt::join(choices, ", ")));
 }
 
 void check_value(const OptionRow &option, const std::string &word)

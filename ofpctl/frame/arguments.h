@@ -56,7 +56,7 @@ struct CommandLine {
 CommandLine split_command_line(std::span<const std::string> words);
 
 // The options and operands of one verb; words is what follows it.
-Arguments parse_arguments(const Noun &noun, const Verb &verb, Words words);
+Arguments parse_arguments(const Noun &noun, const Verb &verb, const Words &words);
 
 } // namespace ofpctl
 

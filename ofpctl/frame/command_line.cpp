@@ -53,7 +53,6 @@ std::vector<std::unique_ptr<Bound>> bind_all(CLI::App &app, std::span<const Opti
 
 void parse(CLI::App &app, Words words)
 {
-    app.set_help_flag();
     std::reverse(words.begin(), words.end()); // as CLI11 takes them
     try {
         app.parse(std::move(words));
@@ -81,6 +80,7 @@ void parse(CLI::App &app, Words words)
 CommandLine split_command_line(std::span<const std::string> words)
 {
     CLI::App app;
+    app.set_help_flag();
     app.prefix_command();
     const auto bound = bind_all(app, common_options());
     parse(app, Words(words.begin(), words.end()));
@@ -91,15 +91,19 @@ CommandLine split_command_line(std::span<const std::string> words)
     return line;
 }
 
-Arguments parse_arguments(const Noun &noun, const Verb &verb, Words words)
+Arguments parse_arguments(const Noun &noun, const Verb &verb, const Words &words)
 {
     CLI::App app(std::string(verb.help), fmt::format("ofpctl {} {}", noun.name, verb.name));
+    app.set_help_flag();
     app.allow_extras();
     const auto own = bind_all(app, verb.options);
     const auto common = bind_all(app, common_options());
     Words operands;
     app.add_option("operands", operands)->expected(0, -1);
-    parse(app, std::move(words));
+    const auto mark = std::find(words.begin(), words.end(), "--");
+    parse(app, Words(words.begin(), mark));
+    if (mark != words.end())
+        operands.insert(operands.end(), mark + 1, words.end());
 
     for (const std::string &extra : app.remaining())
         refuse_option(extra, verb);

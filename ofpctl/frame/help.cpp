@@ -142,6 +142,4 @@ std::string program_help()
 
 std::string_view program_version() { return OFPCTL_VERSION; }
 
-std::string version_text() { return fmt::format("ofpctl {}\n", OFPCTL_VERSION); }
-
 } // namespace ofpctl

@@ -12,7 +12,6 @@ namespace ofpctl {
 std::string program_help();
 std::string noun_help(const Noun &noun);
 std::string verb_help(const Noun &noun, const Verb &verb);
-std::string version_text();
 std::string_view program_version();
 
 // "ofpctl flow load [options] FILE..."

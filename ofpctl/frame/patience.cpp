@@ -19,7 +19,6 @@ Wait last = Wait::none;
 constexpr int32_t do_not_wait = 0x40;
 constexpr int32_t option_level = 1;
 constexpr int32_t send_time_out = 0x1005;
-constexpr int32_t receive_time_out = 0x1006;
 
 struct TimeOut {
     int64_t seconds;
@@ -92,8 +91,8 @@ SOCK_Connect(int32_t s, const void *address, uint32_t length)
 {
     using namespace ofpctl;
     static const auto forward = platform_call<decltype(SOCK_Connect)>("SOCK_Connect");
+    // Bounds connecting and sending; receiving never waits in the platform.
     const TimeOut limit{patience(), 0};
     SOCK_SetOption(s, option_level, send_time_out, &limit, sizeof limit);
-    SOCK_SetOption(s, option_level, receive_time_out, &limit, sizeof limit);
     return forward(s, address, length);
 }

@@ -1,5 +1,6 @@
 #include "frame/progress.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -17,22 +18,21 @@ constexpr std::size_t width = 30;
 
 } // namespace
 
-Progress::Progress(std::string_view work, std::size_t total)
-    : work_(work), total_(total), wanted_(terminal()), next_(Clock::now() + patience)
+Progress::Progress(std::string_view work, std::size_t total, bool wanted)
+    : work_(work), total_(total), wanted_(wanted && terminal()), next_(Clock::now() + patience)
 {}
 
 void Progress::at(std::size_t done)
 {
-    if (!wanted_ || Clock::now() < next_)
+    if (!wanted_ || done == 0 || Clock::now() < next_)
         return;
     next_ = Clock::now() + interval;
     drawn_ = true;
-    std::string bar = fmt::format("\r{} {}", work_, done);
-    if (total_ > 0) {
-        const std::size_t full = width * done / total_;
-        bar += fmt::format(" of {} [{:#<{}}{:.<{}}] {}%", total_, "", full, "", width - full,
-                           100 * done / total_);
-    }
+    // The total is what it was at the beginning; it may have grown.
+    const std::size_t total = std::max(total_, done);
+    const std::size_t full = width * done / total;
+    const std::string bar = fmt::format("\r{} {} of {} [{:#<{}}{:.<{}}] {}%", work_, done, total,
+                                        "", full, "", width - full, 100 * done / total);
     std::fputs(bar.c_str(), stderr);
     std::fflush(stderr);
 }

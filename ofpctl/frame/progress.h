@@ -10,8 +10,8 @@ namespace ofpctl {
 
 class Progress {
 public:
-    // total 0: unknown.
-    Progress(std::string_view work, std::size_t total);
+    // wanted false: the terminal shows something else.
+    Progress(std::string_view work, std::size_t total, bool wanted = true);
     ~Progress(); // wipes the bar
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;

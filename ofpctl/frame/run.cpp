@@ -58,23 +58,31 @@ const Verb &require_verb(const Noun &noun, const std::string &word)
         fmt::format("{} {}: no such command; {}", noun.name, word, one_of(word, known)));
 }
 
-void print(Output &out, std::string_view key, const std::string &text)
+void print_version(Output &out)
 {
     if (out.json())
-        out.document().text(key, text);
+        out.document().text("version", program_version());
+    else
+        out.line(fmt::format("ofpctl {}", program_version()));
+}
+
+void print_help(Output &out, const std::string &text)
+{
+    if (out.json())
+        out.document().text("help", text);
     else
         out.write(text);
 }
 
-int run_verb(const Noun &noun, const Verb &verb, Words words, Output &out)
+int run_verb(const Noun &noun, const Verb &verb, const Words &words, Output &out)
 {
-    const Arguments arguments = parse_arguments(noun, verb, std::move(words));
+    const Arguments arguments = parse_arguments(noun, verb, words);
     if (arguments.given("help")) {
-        print(out, "help", verb_help(noun, verb));
+        print_help(out, verb_help(noun, verb));
         return status_done;
     }
     if (arguments.given("version")) {
-        print(out, "version", version_text());
+        print_version(out);
         return status_done;
     }
     set_patience(arguments.number("timeout"));
@@ -106,18 +114,18 @@ int dispatch(std::span<const std::string> words, Output &out)
     turn_help(line);
     const bool help = contains(line.common, "--help", "-h");
     if (line.rest.empty() && contains(line.common, "--version", "-V")) {
-        print(out, "version", version_text());
+        print_version(out);
         return status_done;
     }
     if (line.rest.empty() && !help)
         throw usage_failure("nothing to do; ofpctl --help lists the commands");
     if (line.rest.empty()) {
-        print(out, "help", program_help());
+        print_help(out, program_help());
         return status_done;
     }
     const Noun &noun = require_noun(line.rest[0]);
     if (line.rest.size() == 1 ? help : is_help(line.rest[1])) {
-        print(out, "help", noun_help(noun));
+        print_help(out, noun_help(noun));
         return status_done;
     }
     if (line.rest.size() == 1)
@@ -126,7 +134,7 @@ int dispatch(std::span<const std::string> words, Output &out)
     const Verb &verb = require_verb(noun, line.rest[1]);
     Words arguments = line.common;
     arguments.insert(arguments.end(), line.rest.begin() + 2, line.rest.end());
-    return run_verb(noun, verb, std::move(arguments), out);
+    return run_verb(noun, verb, arguments, out);
 }
 
 struct Ending {

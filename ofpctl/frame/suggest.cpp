@@ -25,11 +25,15 @@ std::string_view nearest(std::string_view word, std::span<const std::string_view
 {
     if (word.empty())
         return {};
+    // The first of equals stays: those that begin alike are offered first.
     Nearest near(word);
-    for (const std::string_view candidate : candidates) {
-        if (candidate.starts_with(word))
-            return candidate;
-        near.offer(candidate);
+    for (const bool alike : {true, false}) {
+        for (const std::string_view candidate : candidates) {
+            if (candidate.starts_with(word))
+                return candidate;
+            if (candidate.starts_with(word[0]) == alike)
+                near.offer(candidate);
+        }
     }
     return near.word();
 }

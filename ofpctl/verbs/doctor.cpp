@@ -82,7 +82,7 @@ Finding agent_version()
     constexpr std::string_view subject = "agent version";
     char path[path_room];
     if (HOST_GetAgentProgram(path, sizeof path) != 0)
-        return problem(subject, "unknown: there is no program", "see above");
+        return well(subject, "not asked for: there is no program");
     const std::optional<std::string> text = program_output({path, "--version"}, version_patience);
     if (!text || text->empty())
         return problem(subject, fmt::format("{} --version says nothing", path),
@@ -151,7 +151,7 @@ Finding answer()
 {
     constexpr std::string_view subject = "answer";
     if (OFP_util_IsDaemonStart() != 1)
-        return problem(subject, "none: no agent listens", "see above");
+        return well(subject, "not asked for: no agent listens");
     uint64_t code = 0;
     const int32_t channel = OFP_plgn_Connect(patience(), &code);
     if (channel < 0)

@@ -133,8 +133,9 @@ void require_accepted(const ReportedRules &rules, const Report &report)
     const bool all = refused == report.results.size();
     throw Failure{.status = all ? status_failed : status_partly,
                   .code = first->code,
-                  .message = fmt::format("{} of {} rules were refused, the first at {}", refused,
-                                         report.results.size(), rules.where(index))};
+                  .message = fmt::format("{} of {} rules {} refused, the first at {}", refused,
+                                         report.results.size(), refused == 1 ? "was" : "were",
+                                         rules.where(index))};
 }
 
 } // namespace ofpctl

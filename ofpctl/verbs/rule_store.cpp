@@ -7,11 +7,13 @@
 #include <variant>
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include "daemon/result_codes.h"
 #include "flow/flow_decode.h"
 #include "frame/agent_link.h"
 #include "frame/interrupt.h"
+#include "frame/progress.h"
 
 namespace ofpctl {
 
@@ -119,11 +121,13 @@ uint32_t count_rules(uint16_t client)
 
 void each_rule(uint16_t client, const std::function<void(StoredRule)> &take)
 {
+    Progress progress("reading", count_rules(client), isatty(STDOUT_FILENO) != 1);
     RuleWalk walk(client);
     StoredRule rule;
-    while (walk.next(rule)) {
+    for (std::size_t taken = 1; walk.next(rule); taken++) {
         check_interrupt();
         take(std::move(rule));
+        progress.at(taken);
     }
 }
 

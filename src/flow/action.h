@@ -1,6 +1,5 @@
 // Actions as OpenFlow 1.3 has them, inside the one write-actions instruction of a rule.
-#ifndef FLOW_ACTION_H
-#define FLOW_ACTION_H
+#pragma once
 
 #include "flow/put.h"
 #include "ofp/flow_item.h"
@@ -44,5 +43,3 @@ uint64_t action_size(const OfpAction &action);
 uint64_t counted_action_size(const OfpAction &action);
 
 } // namespace ofp
-
-#endif

@@ -1,6 +1,5 @@
 // Cutting rules into datagrams.
-#ifndef FLOW_BATCH_H
-#define FLOW_BATCH_H
+#pragma once
 
 #include "ofp/flow_item.h"
 
@@ -16,5 +15,3 @@ struct Batch {
 Batch cut_batch(uint32_t count, const OfpFlowItem *items);
 
 } // namespace ofp
-
-#endif

@@ -1,6 +1,5 @@
 // The clients that program flow rules, and their road to the agent daemon.
-#ifndef FLOW_CLIENT_H
-#define FLOW_CLIENT_H
+#pragma once
 
 #include <cstdint>
 
@@ -13,5 +12,3 @@ constexpr bool is_client(uint16_t id) { return id == 4096 || id == 4097 || id ==
 [[nodiscard]] int32_t connect_client(uint16_t client_id);
 
 } // namespace ofp
-
-#endif

@@ -1,7 +1,6 @@
 // The true size of what a rule becomes, so that nothing is encoded into a buffer that does not hold
 // it: the size that cuts batches leaves some of a rule out.
-#ifndef FLOW_EXACT_SIZE_H
-#define FLOW_EXACT_SIZE_H
+#pragma once
 
 #include "ofp/flow_item.h"
 
@@ -16,5 +15,3 @@ inline constexpr uint64_t batch_head_size = 28; // message head and TLV 121
 uint64_t rule_size(const OfpFlowItem &item);
 
 } // namespace ofp
-
-#endif

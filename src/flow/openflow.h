@@ -1,6 +1,5 @@
 // What the library speaks of OpenFlow 1.3.
-#ifndef FLOW_OPENFLOW_H
-#define FLOW_OPENFLOW_H
+#pragma once
 
 #include "flow/put.h"
 #include "ofp/wire_flow.h"
@@ -24,5 +23,3 @@ inline void put_openflow_header(OpenflowType type, uint64_t length, uint32_t xid
 }
 
 } // namespace ofp
-
-#endif

@@ -1,6 +1,5 @@
 // Match fields on the wire (OXM): a header, the value, and the mask where the field takes one.
-#ifndef FLOW_OXM_H
-#define FLOW_OXM_H
+#pragma once
 
 #include <type_traits>
 
@@ -85,5 +84,3 @@ inline void put_value(uint8_t *out, const T &value)
 }
 
 } // namespace ofp
-
-#endif

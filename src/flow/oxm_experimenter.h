@@ -1,6 +1,5 @@
 // The experimenter matches of a rule, which follow its fields on the wire.
-#ifndef FLOW_OXM_EXPERIMENTER_H
-#define FLOW_OXM_EXPERIMENTER_H
+#pragma once
 
 #include "ofp/flow_item.h"
 
@@ -13,5 +12,3 @@ uint64_t put_experimenter_items(const OfpExpMatchList &list, uint8_t *out);
 uint64_t experimenter_items_size(const OfpExpMatchList &list);
 
 } // namespace ofp
-
-#endif

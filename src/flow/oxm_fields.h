@@ -1,6 +1,5 @@
 // The match fields of a rule by field bit, and the one rule by which each is written.
-#ifndef FLOW_OXM_FIELDS_H
-#define FLOW_OXM_FIELDS_H
+#pragma once
 
 #include "flow/oxm.h"
 
@@ -114,5 +113,3 @@ inline uint64_t encode(const Match *match, uint8_t *out)
 }
 
 } // namespace ofp
-
-#endif

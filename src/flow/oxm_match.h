@@ -1,6 +1,5 @@
 // A rule's match on the wire.
-#ifndef FLOW_OXM_MATCH_H
-#define FLOW_OXM_MATCH_H
+#pragma once
 
 #include <type_traits>
 #include <utility>
@@ -76,5 +75,3 @@ inline uint8_t *put_match(const Match *match, uint8_t *out)
 }
 
 } // namespace ofp
-
-#endif

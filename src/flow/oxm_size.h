@@ -1,6 +1,5 @@
 // The true size of a match, beside the one that batch cutting counts.
-#ifndef FLOW_OXM_SIZE_H
-#define FLOW_OXM_SIZE_H
+#pragma once
 
 #include "ofp/flow_item.h"
 
@@ -14,5 +13,3 @@ uint64_t match_size(const OfpFRMatch &match);
 bool leaves_gaps(const OfpFRMatch &match);
 
 } // namespace ofp
-
-#endif

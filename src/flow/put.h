@@ -1,6 +1,5 @@
 // Writing OpenFlow: numbers in network byte order at any address, bytes as they stand.
-#ifndef FLOW_PUT_H
-#define FLOW_PUT_H
+#pragma once
 
 #include <concepts>
 #include <cstddef>
@@ -50,5 +49,3 @@ inline T get(const uint8_t *in)
 }
 
 } // namespace ofp
-
-#endif

@@ -23,7 +23,7 @@ public:
     }
 
     bool is_usable() const { return map_ != nullptr; }
-    bool has(uint32_t index) const { return index < count_ && Bitmap_Check(map_, index) == 1; }
+    bool has(uint32_t index) const { return index < count_ && Bitmap_Check(map_, index) != 0; }
     void clear(uint32_t index) { Bitmap_Clear(map_, index); }
 
 private:

@@ -1,6 +1,5 @@
 // The agent daemon's answers to flow programming: OpenFlow messages, one per datagram.
-#ifndef FLOW_REPLY_H
-#define FLOW_REPLY_H
+#pragma once
 
 #include <cstdint>
 
@@ -34,5 +33,3 @@ uint32_t collect_results(int32_t socket, uint32_t count, uint64_t *results);
 uint32_t wait_for_barrier(int32_t socket);
 
 } // namespace ofp
-
-#endif

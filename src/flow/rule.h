@@ -1,6 +1,5 @@
 // What adding, modifying and deleting rules have in common.
-#ifndef FLOW_RULE_H
-#define FLOW_RULE_H
+#pragma once
 
 #include "ofp/flow.h"
 
@@ -14,5 +13,3 @@ uint32_t program_rules(const OfpFlowRuleCtx &request, int32_t asynchronous_socke
                        const OfpFlowItem *items, uint64_t *results);
 
 } // namespace ofp
-
-#endif

@@ -1,6 +1,5 @@
 // Whether rules can be sent.
-#ifndef FLOW_RULE_CHECK_H
-#define FLOW_RULE_CHECK_H
+#pragma once
 
 #include "ofp/flow_item.h"
 
@@ -11,5 +10,3 @@ namespace ofp {
 bool check_rules(uint32_t count, const OfpFlowItem *items, uint64_t *results);
 
 } // namespace ofp
-
-#endif

@@ -1,6 +1,5 @@
 // The smooth period of this process.
-#ifndef FLOW_SMOOTH_H
-#define FLOW_SMOOTH_H
+#pragma once
 
 #include "ofp/wire_flow.h"
 
@@ -12,5 +11,3 @@ bool smooth_is_open();
 OfpClientHead client_head(uint16_t client_id);
 
 } // namespace ofp
-
-#endif

@@ -15,7 +15,7 @@ constexpr uint32_t every_instance = 0xffffffff;
 
 // Starts the service on the nodes that are wanted; none_wanted is the code when there are none.
 template <typename Wanted>
-uint32_t start_on_nodes(uint32_t none_wanted, Wanted wanted)
+[[nodiscard]] uint32_t start_on_nodes(uint32_t none_wanted, Wanted wanted)
 {
     uint32_t count = 0;
     Block<uint16_t> nodes(DEV_GetAllNodes(&count));

@@ -115,6 +115,18 @@ TEST_F(Lifecycle, RefusesOptionsThatItDoesNotHave)
     EXPECT_EQ(agent(), 0);
 }
 
+TEST_F(Lifecycle, SaysWhyItDoesNotStartToWhoWaitsForIt)
+{
+    setenv("OFP_AGENT_OPTIONS", "--ACLMaxFlowEntry=many", 1);
+    EXPECT_NE(OFP_util_StartDaemon(), 0u);
+    EXPECT_TRUE(contains(HOST_LastError(), "ACLMaxFlowEntry")) << HOST_LastError();
+    unsetenv("OFP_AGENT_OPTIONS");
+    const Finished refused = run_agent({"--node", "9"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(contains(refused.output, "no node 9")) << refused.output;
+    EXPECT_EQ(OFP_util_StartDaemon(), 0u);
+}
+
 TEST_F(Lifecycle, TakesTheStartUpOptionsOfTheSwitch)
 {
     start_agent({"--log-level", "debug", "--ACLMaxFlowEntry", "100", "--QinQTable=0x10"});

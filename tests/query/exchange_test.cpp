@@ -1,6 +1,7 @@
 #include "query/exchange.h"
 
 #include <cerrno>
+#include <random>
 
 #include "double/sweep.h"
 #include "ofp/message.h"
@@ -226,6 +227,40 @@ TEST_F(Exchange, TakesSeveralDatagramsUntilOneGoesWrong)
     platform.reply(message(reply_code));
     EXPECT_EQ(query.receive(&reply), uint32_t{OFP_RC_NO_REPLY}); // the first failure stays
     EXPECT_EQ(platform.unread(), 1u);
+}
+
+// Whatever arrives, a query ends with a code, stays inside its record and closes its channel.
+TEST_F(Exchange, SurvivesAnyReply)
+{
+    std::mt19937 random(42);
+    for (int round = 0; round < 2000; ++round) {
+        Bytes reply = message(random() % 2 ? reply_code : uint32_t{OFP_MSG_RESULT},
+                              {tlv(random() % 2 ? 8 : 2, Bytes(random() % 12, 0x11))});
+        for (int flips = static_cast<int>(random() % 4); flips > 0; --flips)
+            reply[random() % reply.size()] = static_cast<uint8_t>(random());
+        reply.resize(random() % (reply.size() + 1));
+        for (int ending = 0; ending < 3; ++ending)
+            platform.reply(reply);
+
+        struct {
+            OfpEchoTime time;
+            uint64_t guard = 0xeeeeeeee;
+        } record{};
+        static_cast<void>(typed(&record.time));
+        EXPECT_EQ(record.guard, 0xeeeeeeeeu);
+
+        Bytes buffer(16, 0xee);
+        uint64_t length = 0;
+        static_cast<void>(ofp::ask(OFP_MSG_GET_SUMMARY).raw(8, buffer.data(), &length));
+        EXPECT_LE(length, 8u);
+        EXPECT_EQ(buffer.slice(8), Bytes(8, 0xee));
+
+        std::vector<uint16_t> types;
+        static_cast<void>(each(&types));
+        EXPECT_LE(types.size(), reply.size() / 4);
+        EXPECT_TRUE(platform.open_sockets().empty());
+        EXPECT_EQ(platform.unread(), 0u);
+    }
 }
 
 TEST_F(Exchange, ACodeOfTheCallersEndsIt)

@@ -54,7 +54,7 @@ TEST_F(Table, MibInfoIsAnsweredWithItsOwnCode)
 
     platform.reply(message(0x20000029, {tlv(209, Bytes(15))}));
     EXPECT_EQ(OFP_get_MibGetTableInfo(0x1001, 5, &info), uint32_t{OFP_RC_OK});
-    EXPECT_EQ(info.max_rules, 1u); // a foreign reply: nothing was taken
+    EXPECT_EQ(uint32_t{info.max_rules}, 1u); // a foreign reply: nothing was taken
 }
 
 TEST_F(Table, MibNextMovesTheKeyOn)
@@ -67,7 +67,7 @@ TEST_F(Table, MibNextMovesTheKeyOn)
     EXPECT_EQ(platform.sent, std::vector({message(0x1000002a, {table_key})}));
     EXPECT_EQ(instance_id, 0x1002);
     EXPECT_EQ(table_id, 7);
-    EXPECT_EQ(info.max_rules, 1u);
+    EXPECT_EQ(uint32_t{info.max_rules}, 1u);
 }
 
 TEST_F(Table, MibNextTakesTheKeyFromTheRecordAlsoWithoutAReply)

@@ -1,7 +1,10 @@
 #include "daemon/dispatch.h"
 
+#include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <set>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -68,6 +71,34 @@ TEST(Dispatch, EveryResultCodeHasItsOwnNumberAndSentence)
     EXPECT_EQ(codes.size(), rows);
     EXPECT_EQ(texts.size(), rows);
     EXPECT_STREQ(result_text(0x12345678), "unknown result code");
+}
+
+TEST(Dispatch, EveryResultCodeAndMessageIsOnTheProtocolPage)
+{
+    std::ifstream file(OFP_PROTOCOL_PAGE);
+    std::stringstream text;
+    text << file.rdbuf();
+    const std::string page = text.str();
+    const auto row = [](uint32_t code, const char *name) {
+        char line[64];
+        std::snprintf(line, sizeof line, "| %#010x | `%s` |", code, name);
+        return std::string(line);
+    };
+#define OFP_ROW(name, code, text) EXPECT_NE(page.find(row(code, #name)), page.npos) << #name;
+    OFP_AGENT_RESULT_CODES(OFP_ROW)
+#undef OFP_ROW
+    Model model;
+    const auto listed = [&page](uint32_t code) {
+        char number[16];
+        std::snprintf(number, sizeof number, "%#010x ", code);
+        return page.find(number) != page.npos;
+    };
+#define OFP_ROW(name, code)                                                                        \
+    if ((static_cast<uint32_t>(code) >> 28) != 2) {                                                \
+        EXPECT_EQ(ask_one(model, head(code)) != result(NOT_SUPPORTED), listed(code)) << #name;     \
+    }
+    OFP_MESSAGE_CODES(OFP_ROW)
+#undef OFP_ROW
 }
 
 // ---- Damaged datagrams
