@@ -91,8 +91,8 @@ public:
             const double encoding = median("encode/" + std::string(shape.name)) / batch;
             const double copying = median("copy/" + std::string(shape.name)) / batch;
             char line[128];
-            std::snprintf(line, sizeof line, "%-24s %8.1f %7.2f %7.1f %7.0f\n", shape.name, encoding,
-                          copying, encoding / copying, shape.limit);
+            std::snprintf(line, sizeof line, "%-24s %8.1f %7.2f %7.1f %7.0f\n", shape.name,
+                          encoding, copying, encoding / copying, shape.limit);
             GetOutputStream() << line;
         }
     }

@@ -32,7 +32,8 @@ bool batch_count(const Match &match, bool takes_part, bool)
 template <unsigned Bit, uint64_t Greatest>
 constexpr DispatchRow<FieldCheck> limit = {Bit, at_most<Bit, Greatest>};
 
-constexpr auto field_checks = by_number<FieldCheck, 63>({
+// clang-format off
+constexpr DispatchRow<FieldCheck> checks[] = {
     limit<OFP_FIELD_VLAN_VID, 4095>,
     limit<OFP_FIELD_VLAN_PCP, 7>,
     limit<OFP_FIELD_IP_DSCP, 63>,
@@ -43,15 +44,18 @@ constexpr auto field_checks = by_number<FieldCheck, 63>({
     limit<OFP_FIELD_MPLS_BOS, 1>,
     limit<OFP_FIELD_PBB_ISID, 0xffffff>,
     limit<OFP_FIELD_IPV6_EXTHDR, 511>,
-    limit<OFP_FIELD_CVLAN_VID, 4095>,
     {OFP_FIELD_BATCH_IF, batch_count},
-});
+    limit<OFP_FIELD_CVLAN_VID, 4095>,
+};
+// clang-format on
+
+constexpr auto field_checks = by_number<FieldCheck, 63>(checks);
 
 consteval uint64_t checked_fields()
 {
     uint64_t bits = 0;
-    for (unsigned bit = 0; bit < 64; ++bit)
-        bits |= uint64_t{field_checks[bit] != nullptr} << bit;
+    for (const auto &check : checks)
+        bits |= uint64_t{1} << check.number;
     return bits;
 }
 
