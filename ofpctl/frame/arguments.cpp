@@ -7,7 +7,7 @@
 #include <fmt/ranges.h>
 
 #include "frame/failure.h"
-#include "frame/suggest.h"
+#include "frame/words.h"
 
 namespace ofpctl {
 

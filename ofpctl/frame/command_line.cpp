@@ -9,7 +9,7 @@
 
 #include "frame/arguments.h"
 #include "frame/failure.h"
-#include "frame/suggest.h"
+#include "frame/words.h"
 
 namespace ofpctl {
 

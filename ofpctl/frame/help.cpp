@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "frame/suggest.h"
+#include "frame/words.h"
 
 #ifndef OFPCTL_VERSION
 #error "the build says which version this is"

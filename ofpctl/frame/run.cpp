@@ -16,8 +16,8 @@
 #include "frame/message.h"
 #include "frame/output.h"
 #include "frame/patience.h"
-#include "frame/suggest.h"
 #include "frame/verb.h"
+#include "frame/words.h"
 
 namespace ofpctl {
 

@@ -6,7 +6,7 @@
 
 #include "frame/context.h"
 #include "frame/help.h"
-#include "frame/suggest.h"
+#include "frame/words.h"
 #include "verbs/nouns.h"
 
 namespace ofpctl {
@@ -216,7 +216,8 @@ constexpr std::string_view fish_begin =
     R"(# Completion of ofpctl for fish; made by "ofpctl completion fish".
 function __ofpctl_at
     set -l plain (string match -v -- '-*' (commandline -opc))
-    test (string join ' ' $plain[2..3]) = "$argv[1]"
+    set -l at (string join ' ' -- $plain[2..3])
+    test "$at" = "$argv[1]"
 end
 complete -c ofpctl -f
 )";

@@ -5,6 +5,7 @@
 
 #include "frame/agent_link.h"
 #include "frame/context.h"
+#include "frame/words.h"
 #include "verbs/flow_input.h"
 #include "verbs/flow_program.h"
 #include "verbs/flow_report.h"
@@ -38,7 +39,8 @@ void print_dry_run(Context &context, const FlowInput &input)
         for (const OfpFlowItem &rule : input.rules.items())
             out.line(format_flow(rule));
     }
-    out.line(fmt::format("would send {} rules in {} datagrams", input.rules.size(), datagrams));
+    out.line(fmt::format("would send {} in {}", counted(input.rules.size(), "rule"),
+                         counted(datagrams, "datagram")));
 }
 
 void program(Context &context, Command command, const FlowInput &input)
@@ -66,6 +68,7 @@ void remove(Context &context, Command command, const FlowInput &input)
     const Report report = program_rules(client, command, input.rules.items());
     if (report.stopped) {
         print_results(context, reported(input), report);
+        print_summary(context, report);
         throw *report.stopped;
     }
     const uint32_t after = count_rules(client);

@@ -14,6 +14,7 @@
 #include "frame/failure.h"
 #include "frame/interrupt.h"
 #include "frame/message.h"
+#include "frame/words.h"
 
 namespace ofpctl {
 
@@ -97,12 +98,9 @@ private:
             remark(render(error));
         if (context_.out.json())
             print_json(context_.out.document());
-        const bool more = errors_.size() >= most_errors;
         throw usage_failure(fmt::format("{}{} in the input; nothing was sent",
-                                        errors_.size() == 1
-                                            ? std::string("an error")
-                                            : fmt::format("{} errors", errors_.size()),
-                                        more ? " or more" : ""));
+                                        counted(errors_.size(), "error"),
+                                        errors_.size() >= most_errors ? " or more" : ""));
     }
 
     void print_json(JsonWriter &json) const

@@ -6,6 +6,7 @@
 #include "flow/flow_json.h"
 #include "flow/flow_text.h"
 #include "frame/context.h"
+#include "frame/words.h"
 #include "verbs/flow_input.h"
 #include "verbs/flow_verbs.h"
 
@@ -17,7 +18,7 @@ void flow_check(Context &context)
     if (context.out.json())
         context.out.document().number("rules", static_cast<int64_t>(input.rules.size()));
     else
-        context.out.line(fmt::format("{} rules, all well formed", input.rules.size()));
+        context.out.line(fmt::format("{}, well formed", counted(input.rules.size(), "rule")));
 }
 
 void flow_format(Context &context)

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "flow/flow_text.h"
-#include "frame/agent_link.h"
+#include "frame/words.h"
 
 namespace ofpctl {
 
@@ -37,7 +37,8 @@ void print_run(Output &out, const ReportedRules &rules, const RuleResult &result
 {
     std::string line = rules.where(run.first);
     if (run.count > 1)
-        line += fmt::format(" to {} ({} rules)", rules.where(run.first + run.count - 1), run.count);
+        line += fmt::format(" to {} ({})", rules.where(run.first + run.count - 1),
+                            counted(run.count, "rule"));
     line += fmt::format(": {}", outcome_name(result.outcome));
     if (result.outcome == Outcome::refused)
         line += fmt::format(": {}", refusal(result.code));

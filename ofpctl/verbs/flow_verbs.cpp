@@ -80,7 +80,7 @@ constexpr Verb rows[] = {
      .run = flow_add,
      .help = "Adds rules, given as text or JSON.",
      .details = "All rules are read first: if one is malformed, none is sent. A rule that overlaps "
-                "another of its priority is refused. Rules are those of flow-text(7).",
+                "another of its priority is refused.",
      .operands = rules_operand,
      .options = change_options,
      .examples = add_examples},

@@ -9,6 +9,7 @@
 #include "frame/context.h"
 #include "frame/interrupt.h"
 #include "frame/message.h"
+#include "frame/words.h"
 #include "verbs/flow_program.h"
 #include "verbs/group_text.h"
 #include "verbs/nouns.h"
@@ -41,7 +42,7 @@ std::vector<Group> read_groups(const Context &context)
     }
     if (wrong > 0)
         throw usage_failure(
-            fmt::format("{} of {} groups are malformed; nothing was sent", wrong, operands.size()));
+            fmt::format("{} in the groups; nothing was sent", counted(wrong, "error")));
     return groups;
 }
 

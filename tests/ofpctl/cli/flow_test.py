@@ -71,7 +71,7 @@ class AddTest(FlowTest):
         self.assertEqual(self.run_ok("flow", "add", "--dry-run", "-f", "r.flows").out,
                          "would send 25 rules in 3 datagrams\n")
         self.assertEqual(self.run_ok("flow", "add", "-nv", DROP).out,
-                         DROP_SHOWN + "\nwould send 1 rules in 1 datagrams\n")
+                         DROP_SHOWN + "\nwould send 1 rule in 1 datagram\n")
         self.assertEqual(self.run_json(0, "flow", "load", "-n", "r.flows"),
                          {"schema": "ofpctl/1", "rules": 25, "datagrams": 3, "ok": True})
         self.assertEqual(self.show(), "")
@@ -109,7 +109,7 @@ class ModifyAndDeleteTest(FlowTest):
 
     def test_dry_run_deletes_nothing(self):
         self.run_ok("flow", "add", WEB)
-        self.assertEqual(self.run_ok("flow", "del", "-n", "in_port=1").out, "would send 1 rules in 1 datagrams\n")
+        self.assertEqual(self.run_ok("flow", "del", "-n", "in_port=1").out, "would send 1 rule in 1 datagram\n")
         self.assertEqual(self.run_ok("flow", "count").out, "1\n")
 
 
@@ -306,7 +306,7 @@ class OfflineTest(SandboxTest):
 
     def test_check(self):
         self.sandbox.write("r.flows", f"{WEB}\n{DROP}\n")
-        self.assertEqual(self.run_ok("flow", "check", "r.flows").out, "2 rules, all well formed\n")
+        self.assertEqual(self.run_ok("flow", "check", "r.flows").out, "2 rules, well formed\n")
         self.assertEqual(self.run_json(0, "flow", "check", "r.flows"), {"schema": "ofpctl/1", "rules": 2, "ok": True})
         self.run_fails(2, "flow", "check", "-", given="priority=70000,actions=drop\n")
 

@@ -117,6 +117,12 @@ class Sandbox:
         line = self.fake.stdout.readline()
         assert line == "ready\n", line
 
+    def freeze_fake(self):
+        """It neither answers nor ends until it is killed."""
+        self.fake.send_signal(signal.SIGSTOP)
+        while process_state(self.fake.pid) != "T":
+            time.sleep(0.01)
+
     def stop_fake(self):
         if self.fake:
             self.fake.kill()
@@ -177,13 +183,18 @@ class SandboxTest(unittest.TestCase):
             time.sleep(0.01)
 
 
-def is_running(pid):
-    """Whether there is such a process that is more than a name in the table of processes."""
+def process_state(pid):
+    """The letter that the kernel shows; empty for a process that is not there."""
     try:
         with open(f"/proc/{pid}/stat", encoding="utf-8") as file:
-            return file.read().rpartition(")")[2].split()[0] != "Z"
+            return file.read().rpartition(")")[2].split()[0]
     except OSError:
-        return False
+        return ""
+
+
+def is_running(pid):
+    """Whether there is such a process that is more than a name in the table of processes."""
+    return process_state(pid) not in ("", "Z")
 
 
 def interrupt(process, number=signal.SIGINT):

@@ -184,7 +184,7 @@ class MisbehavingAgentTest(SandboxTest):
 
     def test_a_stopped_agent_is_no_reply(self):
         self.sandbox.start_fake()
-        os.kill(self.sandbox.fake.pid, signal.SIGSTOP)
+        self.sandbox.freeze_fake()
         result = self.sandbox.run("flow", "show", "--timeout", "1")
         self.assertEqual(result.status, 4, result)
 

@@ -47,7 +47,7 @@ class FileTest(SandboxTest):
     def test_the_name_of_a_file_may_be_anything(self):
         name = "--strange \n\"name\".flows"
         self.sandbox.write(name, "priority=1,in_port=1,actions=drop\n")
-        self.assertEqual(self.run_ok("flow", "check", "--", name).out, "1 rules, all well formed\n")
+        self.assertEqual(self.run_ok("flow", "check", "--", name).out, "1 rule, well formed\n")
         self.run_fails(2, "flow", "check", "no \xff\n such file")
 
     @unittest.skipUnless(can_be_nobody(), "takes root to become another user")

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "frame/help.h"
-#include "frame/suggest.h"
 #include "frame/verb.h"
+#include "frame/words.h"
 
 namespace ofpctl {
 namespace {

@@ -1,4 +1,4 @@
-#include "frame/suggest.h"
+#include "frame/words.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +12,13 @@ TEST(Split, EndsAtEachSeparator)
     EXPECT_EQ(split("a|b|c", '|'), (std::vector<std::string_view>{"a", "b", "c"}));
     EXPECT_EQ(split("a", '|'), (std::vector<std::string_view>{"a"}));
     EXPECT_TRUE(split("", '|').empty());
+}
+
+TEST(Counted, KnowsOneFromMany)
+{
+    EXPECT_EQ(counted(0, "rule"), "0 rules");
+    EXPECT_EQ(counted(1, "rule"), "1 rule");
+    EXPECT_EQ(counted(2, "rule"), "2 rules");
 }
 
 TEST(Nearest, FindsTheWordThatWasMeant)

@@ -1,4 +1,4 @@
-#include "frame/suggest.h"
+#include "frame/words.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -19,6 +19,11 @@ std::vector<std::string_view> split(std::string_view text, char separator)
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return parts;
+}
+
+std::string counted(std::size_t count, std::string_view thing)
+{
+    return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
 }
 
 std::string_view nearest(std::string_view word, std::span<const std::string_view> candidates)
