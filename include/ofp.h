@@ -27,6 +27,9 @@
 #include "ofp/flow.h"
 #include "ofp/flow_item.h"
 
+#include "ofp/application.h"
+#include "ofp/async.h"
+
 #include "ofp/query.h"
 
 #endif

@@ -52,7 +52,7 @@ constexpr Route ROUTES[] = {
 };
 
 // Requests are numbered from 1 within their family, which the upper four bits name.
-constexpr uint32_t FAMILY_SIZE = 64;
+constexpr size_t FAMILY_SIZE = 64;
 constexpr size_t SLOTS = 6 * FAMILY_SIZE;
 
 constexpr size_t slot_of(uint32_t message)

@@ -11,7 +11,7 @@ namespace agent::log {
 
 namespace {
 
-constexpr size_t FILE_SIZE = 5 * 1024 * 1024;
+constexpr size_t FILE_SIZE = size_t{5} * 1024 * 1024;
 constexpr size_t OLDER_FILES = 2;
 
 constexpr double REFUSALS_AT_ONCE = 20;

@@ -1,6 +1,6 @@
 #include "daemon/options.h"
 
-#include <cstdlib>
+#include <charconv>
 #include <filesystem>
 #include <string_view>
 #include <utility>
@@ -35,13 +35,19 @@ int find_ready_fd(int argc, char **argv)
 {
     constexpr std::string_view NAME = "--ready-fd";
     for (int i = 1; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        if (argument == NAME && i + 1 < argc) {
-            return std::atoi(argv[i + 1]);
+        std::string_view value = argv[i];
+        if (!value.starts_with(NAME)) {
+            continue;
         }
-        if (argument.starts_with(NAME) && argument.substr(NAME.size()).starts_with('=')) {
-            return std::atoi(argv[i] + NAME.size() + 1);
+        value.remove_prefix(NAME.size());
+        if (value.empty() && i + 1 < argc) {
+            value = argv[i + 1];
+        } else if (value.starts_with('=')) {
+            value.remove_prefix(1);
         }
+        int fd = -1;
+        std::from_chars(value.begin(), value.end(), fd);
+        return fd;
     }
     return -1;
 }

@@ -6,7 +6,7 @@ namespace agent {
 
 namespace {
 
-constexpr size_t KEPT_WHEN_EMPTY = 256 * 1024; // a larger block is given back
+constexpr size_t KEPT_WHEN_EMPTY = size_t{256} * 1024; // a larger block is given back
 
 uint32_t length_at(const uint8_t *at)
 {

@@ -21,8 +21,8 @@ constexpr int ACCEPTS_PER_TURN = 64;
 constexpr int DATAGRAMS_PER_TURN = 16;
 constexpr size_t SENDS_PER_CALL = 32;
 
-constexpr size_t QUEUE_HIGH = 64 * 1024;        // no more of the client's requests are read
-constexpr size_t QUEUE_LIMIT = 4 * 1024 * 1024; // the client is dropped
+constexpr size_t QUEUE_HIGH = size_t{64} * 1024;        // no more of the client's requests are read
+constexpr size_t QUEUE_LIMIT = size_t{4} * 1024 * 1024; // the client is dropped
 
 constexpr timeval RETRY_ACCEPT{0, 100'000};
 
@@ -32,14 +32,14 @@ struct Peer {
     bool own_user = false;
 };
 
-Peer peer_of(int fd)
+Peer peer_of(int fd, uid_t own_user)
 {
     ucred credentials{};
     socklen_t length = sizeof credentials;
     if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0) {
         return {};
     }
-    return {credentials.pid, credentials.uid == geteuid()};
+    return {credentials.pid, credentials.uid == own_user};
 }
 
 void log_refusal(const Outcome &outcome, pid_t pid)
@@ -62,7 +62,7 @@ struct Server::Connection {
 };
 
 Server::Server(event_base *base, int listener, Model &model)
-    : base_(base), listener_(listener), model_(model),
+    : base_(base), listener_(listener), own_user_(geteuid()), model_(model),
       buffer_(std::make_unique<uint8_t[]>(DATAGRAM_MAX + 1))
 {
     event_assign(&accept_event_, base_, listener_, EV_READ | EV_PERSIST, on_listener, this);
@@ -147,7 +147,7 @@ Server::Connection *Server::open(int fd)
     ++active_;
     connection.server = this;
     connection.fd = fd;
-    connection.peer = peer_of(fd);
+    connection.peer = peer_of(fd, own_user_);
     connection.ended = false;
     connection.awaited = 0;
     return &connection;

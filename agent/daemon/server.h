@@ -10,6 +10,8 @@
 #include <memory>
 #include <vector>
 
+#include <sys/types.h>
+
 #include <event2/event.h>
 #include <event2/event_struct.h>
 
@@ -51,6 +53,7 @@ private:
 
     event_base *base_;
     int listener_;
+    uid_t own_user_;
     Model &model_;
     event accept_event_{};
     event retry_event_{};

@@ -11,6 +11,18 @@ using openflow::Error;
 // Ids take 31 bits in the index.
 constexpr uint32_t CAPACITY_MAX = 0x7fffffff;
 
+// What a modify writes to a rule: new instructions; all else stays.
+Programming modified(const Rule &rule, const Programming &programming)
+{
+    Programming result = programming;
+    result.priority = rule.priority;
+    result.cookie = rule.cookie;
+    result.now = rule.created;
+    result.flags = rule.flags;
+    result.match = rule.match();
+    return result;
+}
+
 } // namespace
 
 bool Filter::passes(const Rule &rule) const
@@ -26,7 +38,7 @@ bool Filter::passes(const Rule &rule) const
 
 FlowTable::FlowTable(MaskSet &masks, Opaques &opaques, Groups &groups, uint32_t capacity,
                      std::pmr::memory_resource *memory)
-    : masks_(masks), opaques_(opaques), groups_(groups), memory_(memory),
+    : opaques_(opaques), groups_(groups), memory_(memory),
       capacity_(std::min(capacity, CAPACITY_MAX)), rules_(&memory_), ids_(&memory_),
       index_(masks, rules_, &memory_)
 {}
@@ -140,18 +152,6 @@ uint64_t FlowTable::remove_if(Wanted wanted) noexcept
         }
     }
     return removed;
-}
-
-// What a modify writes to a rule: new instructions; all else stays.
-static Programming modified(const Rule &rule, const Programming &programming)
-{
-    Programming result = programming;
-    result.priority = rule.priority;
-    result.cookie = rule.cookie;
-    result.now = rule.created;
-    result.flags = rule.flags;
-    result.match = rule.match();
-    return result;
 }
 
 void FlowTable::modify(KeyView key, const Filter &filter, const Programming &programming)

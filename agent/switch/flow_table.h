@@ -77,7 +77,6 @@ private:
     template <class Wanted>
     uint64_t remove_if(Wanted wanted) noexcept;
 
-    MaskSet &masks_;
     Opaques &opaques_;
     Groups &groups_;
     CountedMemory memory_;

@@ -2,6 +2,7 @@
 // for each object instead of a pointer.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <memory_resource>
 #include <vector>
@@ -16,18 +17,18 @@ public:
     uint32_t add(T *object)
     {
         if (free_ == 0) {
-            slots_.push_back(reinterpret_cast<uintptr_t>(object));
+            slots_.push_back(std::bit_cast<uintptr_t>(object));
             return static_cast<uint32_t>(slots_.size());
         }
         const uint32_t number = free_;
         free_ = static_cast<uint32_t>(slots_[number - 1] >> 1);
-        slots_[number - 1] = reinterpret_cast<uintptr_t>(object);
+        slots_[number - 1] = std::bit_cast<uintptr_t>(object);
         return number;
     }
 
     void replace(uint32_t number, T *object) noexcept
     {
-        slots_[number - 1] = reinterpret_cast<uintptr_t>(object);
+        slots_[number - 1] = std::bit_cast<uintptr_t>(object);
     }
 
     // A free slot holds the next free number, marked by an odd word.
@@ -37,7 +38,7 @@ public:
         free_ = number;
     }
 
-    T *operator[](uint32_t number) const { return reinterpret_cast<T *>(slots_[number - 1]); }
+    T *operator[](uint32_t number) const { return std::bit_cast<T *>(slots_[number - 1]); }
 
     // Null for a number that is not in use.
     T *find(uint32_t number) const

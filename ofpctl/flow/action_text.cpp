@@ -294,7 +294,7 @@ bool parse_word(const Word &word, List &list, FlowDraft &draft, Problem &problem
 
 bool parse_list(std::string_view text, bool inside, FlowDraft &draft, Problem &problem)
 {
-    List list = {inside};
+    List list = {inside, 0, {}};
     while (true) {
         text.remove_prefix(std::min(text.find_first_not_of(separators), text.size()));
         if (text.empty())

@@ -33,8 +33,7 @@ public:
         ++*this;
         return before;
     }
-    friend bool operator==(const Cursor &a, const Cursor &b) { return a.at_ == b.at_; }
-    friend bool operator!=(const Cursor &a, const Cursor &b) { return a.at_ != b.at_; }
+    bool operator==(const Cursor &other) const { return at_ == other.at_; }
 
 private:
     const char *at_;

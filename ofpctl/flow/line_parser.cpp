@@ -82,6 +82,8 @@ bool take_option(std::string_view &text, OptionText &option, Problem &problem)
 // actions=... takes all the rest of the line.
 bool begins_actions(std::string_view text, OptionText &option)
 {
+    if (text[0] != 'a')
+        return false;
     for (const std::string_view name : {"actions", "action"}) {
         if (text.starts_with(name) && text.substr(name.size()).starts_with('=')) {
             option = {text.substr(0, name.size()), text.substr(name.size() + 1), true};

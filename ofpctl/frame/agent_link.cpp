@@ -100,7 +100,7 @@ Failure call_failure(uint32_t code, std::string_view doing)
                 .code = static_cast<uint32_t>(OFP_RC_NO_REPLY),
                 .message = fmt::format("{}: the agent did not answer within {} seconds", doing,
                                        patience())};
-    if (last_wait() != Wait::answered && OFP_util_IsDaemonStart() != 1)
+    if (OFP_util_IsDaemonStart() != 1)
         return no_agent(fmt::format("{}: the agent went away; {}", doing, not_running));
     if (last_wait() == Wait::hung_up || code == static_cast<uint32_t>(OFP_RC_NO_REPLY))
         return {.status = status_no_reply,

@@ -18,6 +18,7 @@
 #include "frame/start_guard.h"
 #include "ofp.h"
 #include "ofp/host.h"
+#include "verbs/agent_log.h"
 #include "verbs/doctor.h"
 #include "verbs/nouns.h"
 
@@ -92,9 +93,10 @@ void start(Context &context)
     const uint32_t code = OFP_util_StartDaemon();
     if (code != 0) {
         const std::string_view why = HOST_LastError();
+        // Where the reason is in the log, it is told at once.
         throw Failure{.code = code,
-                      .message = fmt::format("{}; ofpctl agent doctor says more",
-                                             why.empty() ? result_sentence(code) : why)};
+                      .message = fmt::format("{}{}", why.empty() ? result_sentence(code) : why,
+                                             why.ends_with(".log") ? last_log_line(node) : "")};
     }
     const int32_t pid = agent_pid(node);
     print(context.out, node, "started", pid, fmt::format("agent started (process {})", pid));

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +18,7 @@
 #include "frame/process.h"
 #include "ofp.h"
 #include "ofp/host.h"
+#include "verbs/agent_log.h"
 
 namespace ofpctl {
 
@@ -97,20 +97,6 @@ Finding agent_version()
 
 int32_t agent_pid() { return HOST_GetAgentPid(DEV_GetSystemMaster()); }
 
-std::string last_log_line()
-{
-    char path[path_room];
-    if (HOST_GetLogPath(DEV_GetSystemMaster(), path, sizeof path) != 0)
-        return {};
-    std::ifstream log(path);
-    std::string last;
-    for (std::string line; std::getline(log, line);) {
-        if (!line.empty())
-            last = line;
-    }
-    return last.empty() ? last : fmt::format("; the last line of {} is: {}", path, last);
-}
-
 Finding agent_process()
 {
     constexpr std::string_view subject = "agent process";
@@ -118,7 +104,8 @@ Finding agent_process()
     if (pid < 0)
         return problem(subject, HOST_LastError(), "see above");
     if (pid == 0)
-        return problem(subject, "not running" + last_log_line(), "ofpctl agent start");
+        return problem(subject, "not running" + last_log_line(DEV_GetSystemMaster()),
+                       "ofpctl agent start");
     if (OFP_util_IsDaemonStart() != 1)
         return problem(subject, fmt::format("process {} holds the lock and does not listen", pid),
                        fmt::format("wait, or end it: kill {}", pid));

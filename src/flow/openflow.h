@@ -16,6 +16,13 @@ enum OpenflowType : uint8_t {
     OFPT_BARRIER_REPLY = 21,
 };
 
+enum OpenflowCommand : uint32_t {
+    OFPFC_ADD = 0,
+    OFPFC_MODIFY = 2,
+    OFPFC_DELETE = 3,
+    OFPFC_DELETE_STRICT = 4,
+};
+
 inline void put_openflow_header(OpenflowType type, uint64_t length, uint32_t xid, uint8_t *out)
 {
     put(out,

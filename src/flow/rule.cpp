@@ -6,6 +6,7 @@
 
 #include "flow/batch.h"
 #include "flow/client.h"
+#include "flow/openflow.h"
 #include "flow/oxm.h"
 #include "flow/reply.h"
 #include "flow/rule_check.h"
@@ -18,8 +19,6 @@ namespace ofp {
 namespace {
 
 constexpr uint8_t rule_table = 200;
-
-enum Command : uint32_t { ADD = 0, MODIFY = 2, DELETE = 3, DELETE_STRICT = 4 };
 
 alignas(8) constinit uint8_t shared_buffer[OFP_DATAGRAM_SIZE] = {};
 
@@ -93,7 +92,7 @@ uint32_t exchange_all(const Exchange &exchange, uint32_t count, const OfpFlowIte
     return OFP_RC_OK;
 }
 
-OfpFlowRuleCtx synchronous(Command command, uint16_t client_id, uint8_t table_id)
+OfpFlowRuleCtx synchronous(OpenflowCommand command, uint16_t client_id, uint8_t table_id)
 {
     return {.command = command, .client_id = client_id, .table_id = table_id};
 }
@@ -129,18 +128,18 @@ using namespace ofp;
 OFP_API uint32_t OFP_AddFlowRule(uint16_t client_id, uint8_t table_id, uint32_t count,
                                  const OfpFlowItem *items, uint64_t *results)
 {
-    return program_rules(synchronous(ADD, client_id, table_id), -1, count, items, results);
+    return program_rules(synchronous(OFPFC_ADD, client_id, table_id), -1, count, items, results);
 }
 
 OFP_API uint32_t OFP_ModifyFlowRule(uint16_t client_id, uint8_t table_id, uint32_t count,
                                     const OfpFlowItem *items, uint64_t *results)
 {
-    return program_rules(synchronous(MODIFY, client_id, table_id), -1, count, items, results);
+    return program_rules(synchronous(OFPFC_MODIFY, client_id, table_id), -1, count, items, results);
 }
 
 OFP_API uint32_t OFP_DelFlowRule(uint16_t client_id, uint8_t table_id, uint32_t count,
                                  const OfpFlowItem *items, int16_t strict)
 {
-    const Command command = strict == 1 ? DELETE_STRICT : DELETE;
+    const OpenflowCommand command = strict == 1 ? OFPFC_DELETE_STRICT : OFPFC_DELETE;
     return program_rules(synchronous(command, client_id, table_id), -1, count, items, nullptr);
 }

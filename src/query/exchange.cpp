@@ -6,10 +6,10 @@
 
 namespace ofp {
 
-Bytes Reply::body() const
+Bytes behind_head(Bytes datagram)
 {
-    const uint64_t head = OFP_msg_GetMsgHead(buffer, length, nullptr);
-    return head != 0 ? datagram().from(buffer + head) : Bytes{buffer, 0};
+    const uint64_t head = OFP_msg_GetMsgHead(datagram.data, datagram.size, nullptr);
+    return head != 0 ? datagram.from(datagram.data + head) : Bytes{datagram.data, 0};
 }
 
 uint32_t Reply::code() const

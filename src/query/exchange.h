@@ -16,16 +16,42 @@
 
 namespace ofp {
 
+// A value as far as it goes over the record, which is then converted.
+template <typename T>
+requires std::is_trivially_copyable_v<T>
+void read_value(const Tlv &tlv, T *record)
+{
+    OFP_msg_GetByteSwapData(tlv.value, tlv.length, tlv.type, sizeof *record, record);
+}
+
+// A value in a record of its own; what it lacks is zero.
+template <typename T>
+T value_of(const Tlv &tlv)
+{
+    T record{};
+    read_value(tlv, &record);
+    return record;
+}
+
+// What stands behind the message head of a datagram; nothing when it has none.
+Bytes behind_head(Bytes datagram);
+
 // A reply datagram.
 struct Reply {
     uint8_t buffer[OFP_DATAGRAM_SIZE];
     uint64_t length = 0;
 
     Bytes datagram() const { return {buffer, length}; }
-    // What stands behind the message head; nothing when there is none.
-    Bytes body() const;
+    Bytes body() const { return behind_head(datagram()); }
     // The code of the message head; 0 when there is none.
     uint32_t code() const;
+    // The first value behind the head; false when it is not of the type.
+    template <typename T>
+    [[nodiscard]] bool first(uint32_t type, T *record) const
+    {
+        const Bytes values = body();
+        return OFP_msg_GetTlvData(values.data, values.size, type, sizeof *record, record) != 0;
+    }
 };
 
 class [[nodiscard]] Exchange {
@@ -46,6 +72,13 @@ public:
     void send(Bytes request);
     // Ends the exchange with a code of the caller's.
     void fail(uint32_t code) { code_ = code; }
+    // Goes on to the answer even if the request could not be sent.
+    Exchange &sent_or_not()
+    {
+        if (opened())
+            code_ = 0;
+        return *this;
+    }
 
     // One TLV of one kind of reply, copied as far as it goes and converted. A result reply instead
     // gives its code, any other reply 0; both leave the record as it is.

@@ -43,7 +43,7 @@ void free_elements(OfpLink *list)
 
 uint32_t append_record(const uint8_t record[128], OfpLink *list)
 {
-    auto element = append<RecordElement>(list);
+    auto element = append<OfpControllerElement>(list);
     if (!element)
         return OFP_RC_NO_RESOURCE;
     std::memcpy(element->record, record, sizeof element->record);

@@ -27,11 +27,18 @@ template <typename T>
 concept ListElement = std::is_trivially_copyable_v<T> && offsetof(T, link)
 == 0 && std::is_same_v<decltype(T::link), OfpLink>;
 
+// A new element, zero-filled; null when memory is short.
+template <ListElement T>
+[[nodiscard]] T *make_element()
+{
+    return static_cast<T *>(std::calloc(1, sizeof(T)));
+}
+
 // A new element, zero-filled, at the tail of the list; null when memory is short.
 template <ListElement T>
 [[nodiscard]] T *append(OfpLink *list)
 {
-    auto element = static_cast<T *>(std::calloc(1, sizeof(T)));
+    auto element = make_element<T>();
     if (element)
         insert_before(list, &element->link);
     return element;
@@ -40,13 +47,14 @@ template <ListElement T>
 // Frees every element and empties the list.
 void free_elements(OfpLink *list);
 
-// An element of the controller list of a verbose record.
-struct RecordElement {
-    OfpLink link;
-    uint8_t record[128];
-};
-
-// Appends a copy of a 128-byte record. 0 or OFP_RC_NO_RESOURCE.
+// Appends a copy of a 128-byte record to the controller list of a verbose record. 0 or
+// OFP_RC_NO_RESOURCE.
 [[nodiscard]] uint32_t append_record(const uint8_t record[128], OfpLink *list);
+template <typename T>
+[[nodiscard]] uint32_t append_controller(const T &controller, OfpLink *list)
+{
+    static_assert(sizeof controller == sizeof OfpControllerElement::record);
+    return append_record(reinterpret_cast<const uint8_t *>(&controller), list);
+}
 
 } // namespace ofp

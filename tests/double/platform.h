@@ -61,6 +61,7 @@ public:
     void hang_up() { reply({}); }
     void receive_error(int error); // in the order of the datagrams
     size_t unread() const { return replies_.size(); }
+    void drop_unread() { replies_.clear(); }
     // Called with each datagram sent; it may queue replies. With nothing queued a receive times
     // out.
     std::function<void(const Bytes &)> on_send;

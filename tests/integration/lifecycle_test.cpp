@@ -2,6 +2,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -31,6 +32,20 @@ TEST_F(Lifecycle, EndsOnSigtermAndTakesItsSocketAlong)
     EXPECT_EQ(OFP_util_StartDaemon(), 0u);
     stop_agent(SIGINT);
     EXPECT_FALSE(std::filesystem::exists(path("agent.sock")));
+}
+
+TEST_F(Lifecycle, InTheForegroundLogsToStandardErrorAndEndsWithStatusZero)
+{
+    Finished finished;
+    std::thread foreground([&finished] { finished = run_agent({"--foreground"}); });
+    EXPECT_TRUE(within(10s, [] { return OFP_util_IsDaemonStart() == 1; }));
+    EXPECT_EQ(OFP_AddInstance(0), 0x42300110u);
+    stop_agent(SIGTERM);
+    foreground.join();
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_TRUE(contains(finished.output, "an instance id is")) << finished.output;
+    EXPECT_TRUE(contains(finished.output, "1 datagrams, 1 refused")) << finished.output;
+    EXPECT_FALSE(std::filesystem::exists(path("agent.log")));
 }
 
 TEST_F(Lifecycle, StartsBesideTheSocketOfAnAgentThatWasKilled)
@@ -84,7 +99,7 @@ TEST_F(Lifecycle, LeavesAFileInTheWayAloneAndSaysSo)
     EXPECT_EQ(refused.status, 1);
     EXPECT_TRUE(contains(refused.output, "not a socket")) << refused.output;
     EXPECT_TRUE(std::filesystem::exists(path("agent.sock")));
-    EXPECT_EQ(agent(), 0);
+    EXPECT_TRUE(within(5s, [this] { return agent() == 0; }));
 }
 
 TEST_F(Lifecycle, TellsItsVersionAndItsOptions)

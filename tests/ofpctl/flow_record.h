@@ -1,7 +1,6 @@
 // Flow items for tests: parsed, made at random, and compared by all that the wire would carry of
 // them. Written against the record alone, not against the tables that are tested.
-#ifndef OFP_TESTS_FLOW_RECORD_H
-#define OFP_TESTS_FLOW_RECORD_H
+#pragma once
 
 #include <cstdint>
 #include <memory>
@@ -67,4 +66,3 @@ std::unique_ptr<Record> random_record(Random &random, Fields fields = Fields::al
 
 } // namespace flow_test
 
-#endif

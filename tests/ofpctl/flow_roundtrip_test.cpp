@@ -12,7 +12,7 @@ namespace {
 
 using namespace ofpctl;
 
-constexpr int rounds = 8000;
+constexpr int rounds = 5000;
 
 TEST(FlowRoundTrip, TextLoadsAgainToTheSameItem)
 {

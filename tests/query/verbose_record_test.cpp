@@ -45,8 +45,8 @@ TEST_F(VerboseRecord, FiniFreesTheThreeListsAndTouchesNothingElse)
 {
     for (OfpLink *list :
          {&verbose->controllers, &verbose->running.interfaces, &verbose->configured.interfaces}) {
-        ASSERT_NE(ofp::append<ofp::RecordElement>(list), nullptr);
-        ASSERT_NE(ofp::append<ofp::RecordElement>(list), nullptr);
+        ASSERT_NE(ofp::append<OfpControllerElement>(list), nullptr);
+        ASSERT_NE(ofp::append<OfpControllerElement>(list), nullptr);
     }
     uint8_t map[16];
     verbose->running.vlans = reinterpret_cast<Bitmap *>(map);

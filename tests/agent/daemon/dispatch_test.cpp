@@ -1,5 +1,6 @@
 #include "daemon/dispatch.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -150,7 +151,7 @@ void expect_sane(Model &model, const Datagram &request)
 {
     // Of its exact size on the heap, so that a sanitizer sees every byte read past its end.
     const auto exact = std::make_unique<uint8_t[]>(request.size() + 1);
-    std::memcpy(exact.get() + 1, request.data(), request.size());
+    std::copy(request.begin(), request.end(), exact.get() + 1);
     Outbox out;
     const Outcome outcome = answer({exact.get() + 1, request.size()}, out, model);
     EXPECT_FALSE(outcome.hang_up);

@@ -15,7 +15,7 @@ bool fails() { return until_failure != NEVER && until_failure-- == 0; }
 
 } // namespace
 
-void *operator new(size_t size)
+[[gnu::noinline]] void *operator new(size_t size)
 {
     void *const block = fails() ? nullptr : std::malloc(size);
     if (!block) {
@@ -25,8 +25,8 @@ void *operator new(size_t size)
     return block;
 }
 
-void operator delete(void *block) noexcept { std::free(block); }
-void operator delete(void *block, size_t) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void *block) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void *block, size_t) noexcept { std::free(block); }
 
 namespace agent::test {
 namespace {
