@@ -1,4 +1,7 @@
-// How long OFP_encode_FlowRule takes for a rule, as a multiple of copying the finished bytes.
+// How long OFP_encode_FlowRule takes, as a multiple of copying the bytes it makes: for a full
+// datagram of twelve rules and for one with a single rule, head included.
+//
+// encode_bench takes Google Benchmark's options. The table at the end is of medians.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -13,7 +16,7 @@
 
 namespace {
 
-constexpr uint32_t batch = 12; // rules of a datagram
+constexpr uint32_t most_rules = 12;
 
 struct Shape {
     const char *name;
@@ -28,15 +31,17 @@ constexpr Shape shapes[] = {
     {"fifteen_fields", bench::fifteen_fields, 22},
 };
 
+constexpr uint32_t rule_counts[] = {most_rules, 1};
+
 alignas(64) uint8_t datagram[OFP_DATAGRAM_SIZE];
 alignas(64) uint8_t copied[OFP_DATAGRAM_SIZE];
 
-// Twelve rules of a shape, each with blocks of its own as in a caller's table.
+// Rules of a shape, each with blocks of its own as in a caller's table.
 class Rules {
 public:
-    explicit Rules(const Shape &shape)
+    Rules(const Shape &shape, uint32_t count) : count_(count)
     {
-        for (uint32_t i = 0; i < batch; ++i) {
+        for (uint32_t i = 0; i < count; ++i) {
             shape.fill(rules_[i]);
             items_[i] = rules_[i].item;
         }
@@ -45,26 +50,27 @@ public:
     {
         const OfpFlowRuleCtx ctx = {.command = 0, .client_id = 4096, .table_id = 200};
         const uint8_t head[16] = {};
-        return OFP_encode_FlowRule(&ctx, head, batch, items_, sizeof datagram, datagram);
+        return OFP_encode_FlowRule(&ctx, head, count_, items_, sizeof datagram, datagram);
     }
 
 private:
-    bench::Rule rules_[batch];
-    OfpFlowItem items_[batch];
+    uint32_t count_;
+    bench::Rule rules_[most_rules];
+    OfpFlowItem items_[most_rules];
 };
 
-void encode(benchmark::State &state, const Shape &shape)
+void encode(benchmark::State &state, const Shape &shape, uint32_t count)
 {
-    const Rules rules(shape);
+    const Rules rules(shape, count);
     for (auto _ : state) {
         benchmark::DoNotOptimize(rules.encode());
         benchmark::ClobberMemory();
     }
 }
 
-void copy(benchmark::State &state, const Shape &shape)
+void copy(benchmark::State &state, const Shape &shape, uint32_t count)
 {
-    const Rules rules(shape);
+    const Rules rules(shape, count);
     uint64_t length = rules.encode();
     benchmark::DoNotOptimize(length);
     for (auto _ : state) {
@@ -73,7 +79,11 @@ void copy(benchmark::State &state, const Shape &shape)
     }
 }
 
-// Prints the ratio of the medians below the usual table.
+std::string name_of(const char *what, const Shape &shape, uint32_t count)
+{
+    return std::string(what) + "/" + shape.name + "/" + std::to_string(count);
+}
+
 class Ratios : public benchmark::ConsoleReporter {
 public:
     void ReportRuns(const std::vector<Run> &runs) override
@@ -82,22 +92,29 @@ public:
             if (run.run_type == Run::RT_Iteration)
                 times_[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
         }
-        ConsoleReporter::ReportRuns(runs);
     }
     void Finalize() override
     {
-        GetOutputStream() << "\nper rule, medians, ns      encode    copy   ratio   limit\n";
-        for (const Shape &shape : shapes) {
-            const double encoding = median("encode/" + std::string(shape.name)) / batch;
-            const double copying = median("copy/" + std::string(shape.name)) / batch;
-            char line[128];
-            std::snprintf(line, sizeof line, "%-24s %8.1f %7.2f %7.1f %7.0f\n", shape.name,
-                          encoding, copying, encoding / copying, shape.limit);
-            GetOutputStream() << line;
+        GetOutputStream()
+            << "\nns per rule          rules    encode      copy     ratio     limit\n";
+        for (uint32_t count : rule_counts) {
+            for (const Shape &shape : shapes)
+                print(shape, count);
         }
     }
 
 private:
+    void print(const Shape &shape, uint32_t count)
+    {
+        const double encoding = median(name_of("encode", shape, count)) / count;
+        const double copying = median(name_of("copy", shape, count)) / count;
+        if (encoding == 0 || copying == 0)
+            return; // filtered out
+        char line[128];
+        std::snprintf(line, sizeof line, "%-20s %5u %9.1f %9.2f %9.1f %9.0f\n", shape.name, count,
+                      encoding, copying, encoding / copying, shape.limit);
+        GetOutputStream() << line;
+    }
     double median(const std::string &name)
     {
         std::vector<double> &times = times_[name];
@@ -113,9 +130,15 @@ private:
 
 int main(int argc, char **argv)
 {
-    for (const Shape &shape : shapes) {
-        benchmark::RegisterBenchmark(("encode/" + std::string(shape.name)).c_str(), encode, shape);
-        benchmark::RegisterBenchmark(("copy/" + std::string(shape.name)).c_str(), copy, shape);
+    for (uint32_t count : rule_counts) {
+        for (const Shape &shape : shapes) {
+            const auto add = [&](const char *what, auto function) {
+                benchmark::RegisterBenchmark(name_of(what, shape, count).c_str(), function, shape,
+                                             count);
+            };
+            add("encode", encode);
+            add("copy", copy);
+        }
     }
     std::vector<char *> arguments(argv, argv + argc);
     char repetitions[] = "--benchmark_repetitions=15";

@@ -38,8 +38,9 @@ OFP_API uint32_t OFP_SmoothEnd(uint16_t client_id);
  *
  * Returns 0 when every rule was answered, also when some were refused; OFP_RC_FAILED when an
  * argument is wrong, no smooth period is open, a rule is malformed (its result is OFP_RC_INVALID
- * and nothing was sent), or the agent daemon went away or stopped answering: results of rules
- * already answered stand. Sends 0x50000001. */
+ * and nothing was sent), a rule fits no datagram of 49152 bytes (it and the rules that would have
+ * shared its datagram are not sent), memory is short, or the agent daemon went away or stopped
+ * answering: results of rules already answered stand. Sends 0x50000001. */
 OFP_API uint32_t OFP_AddFlowRule(uint16_t client_id, uint8_t table_id, uint32_t count,
                                  const OfpFlowItem *items, uint64_t *results);
 OFP_API uint32_t OFP_ModifyFlowRule(uint16_t client_id, uint8_t table_id, uint32_t count,

@@ -1,7 +1,7 @@
 // Flow rules as tests write them, and what the agent daemon says about them.
 #pragma once
 
-#include <cstring>
+#include <algorithm>
 #include <deque>
 #include <memory>
 #include <vector>
@@ -72,7 +72,7 @@ public:
         auto *match = reinterpret_cast<OfpExpMatchItem *>(record.data());
         match->type = type;
         match->length = static_cast<uint16_t>(data.size());
-        std::memcpy(match->data, data.data(), data.size());
+        std::copy(data.begin(), data.end(), match->data);
         return experimenter(match);
     }
     Rule &experimenter(OfpExpMatchItem *match)
