@@ -116,7 +116,7 @@ uint32_t send_rule(uint32_t command, uint16_t client_id, uint8_t table_id, const
     AsyncChannel *channel = is_client(client_id) ? &channels[client_id - first_client] : nullptr;
     const uint32_t result =
         program_rules(request, channel != nullptr ? channel->socket : -1, 1, item, nullptr);
-    if (result != OFP_RC_OK || channel->callback == nullptr)
+    if (result != OFP_RC_OK || channel == nullptr || channel->callback == nullptr)
         return result;
     return track(*channel, request, *item); // it is on its way already
 }

@@ -9,7 +9,7 @@ namespace ofp {
 namespace {
 
 constexpr uint8_t no_table = 255;
-static_assert(no_table == OFP_REF_RULE_END && no_table == OFP_RULE_REF_TABLES);
+static_assert(no_table == OFP_REF_RULE_END);
 
 // The references of one reply: where they ended, and how many they were.
 struct References {
