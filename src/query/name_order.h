@@ -9,22 +9,24 @@
 
 namespace ofp {
 
+using NameBytes = char[sizeof OfpVerbIfRep::name];
+
 // The name of an interface as it arrived: it may lack its end.
 class Name {
 public:
-    explicit Name(const char (&name)[48]) { std::memcpy(text_, name, sizeof name); }
+    explicit Name(const NameBytes &name) { std::memcpy(text_, name, sizeof name); }
 
     bool sorts_after(const Name &other) const { return IF_JudgeNameOrder(text_, other.text_) > 0; }
 
 private:
-    char text_[sizeof OfpVerbIfRep::name + 1] = {};
+    char text_[sizeof(NameBytes) + 1] = {};
 };
 
-inline const char (&name_of(const OfpInterfaceElement &element))[48]
+inline const NameBytes &name_of(const OfpInterfaceElement &element)
 {
     return element.interface.name;
 }
-inline const char (&name_of(const OfpAcPortElement &element))[48] { return element.port.name; }
+inline const NameBytes &name_of(const OfpAcPortElement &element) { return element.port.name; }
 
 template <ListElement T>
 Name name_at(const OfpLink *link)
