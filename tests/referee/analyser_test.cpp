@@ -21,7 +21,7 @@ constexpr std::size_t headers = 14 + 20 + 20; // Ethernet, IPv4, TCP
 void put(std::string &out, uint64_t value, std::size_t bytes)
 {
     while (bytes-- > 0)
-        out += static_cast<char>(value >> 8 * bytes);
+        out += static_cast<char>(bytes < sizeof value ? value >> 8 * bytes : 0);
 }
 
 // The analyser takes captures in either byte order.
