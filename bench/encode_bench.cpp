@@ -1,47 +1,51 @@
-// How long OFP_encode_FlowRule takes, as a multiple of copying the bytes it makes: for a full
-// datagram of twelve rules and for one with a single rule, head included.
-//
-// encode_bench takes Google Benchmark's options. The table at the end is of medians.
-#include <algorithm>
-#include <cstdio>
+// How long OFP_encode_FlowRule takes for a rule, as a multiple of copying the finished bytes.
+#include <cstdlib>
 #include <cstring>
-#include <map>
-#include <ostream>
 #include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
+#include "demand.h"
 #include "rules.h"
+
+// Every allocation of the process comes by here.
+static uint64_t allocations = 0;
+
+extern "C" void *__libc_malloc(std::size_t size);
+extern "C" void *malloc(std::size_t size)
+{
+    ++allocations;
+    return __libc_malloc(size);
+}
 
 namespace {
 
-constexpr uint32_t most_rules = 12;
+constexpr uint32_t batch = 12; // rules of a datagram
 
 struct Shape {
     const char *name;
     void (*fill)(bench::Rule &);
     double limit; // times the copy
+    double aim;
 };
 
 constexpr Shape shapes[] = {
-    {"in_port", bench::in_port, 10},
-    {"ipv4_five_tuple", bench::ipv4_five_tuple, 17},
-    {"ipv6_group", bench::ipv6_group, 14},
-    {"fifteen_fields", bench::fifteen_fields, 22},
+    {"in_port", bench::in_port, 10, 5},
+    {"ipv4_five_tuple", bench::ipv4_five_tuple, 17, 10},
+    {"ipv6_group", bench::ipv6_group, 14, 8},
+    {"fifteen_fields", bench::fifteen_fields, 22, 15},
 };
-
-constexpr uint32_t rule_counts[] = {most_rules, 1};
 
 alignas(64) uint8_t datagram[OFP_DATAGRAM_SIZE];
 alignas(64) uint8_t copied[OFP_DATAGRAM_SIZE];
 
-// Rules of a shape, each with blocks of its own as in a caller's table.
+// Twelve rules of a shape, each with blocks of its own as in a caller's table.
 class Rules {
 public:
-    Rules(const Shape &shape, uint32_t count) : count_(count)
+    explicit Rules(const Shape &shape)
     {
-        for (uint32_t i = 0; i < count; ++i) {
+        for (uint32_t i = 0; i < batch; ++i) {
             shape.fill(rules_[i]);
             items_[i] = rules_[i].item;
         }
@@ -50,27 +54,28 @@ public:
     {
         const OfpFlowRuleCtx ctx = {.command = 0, .client_id = 4096, .table_id = 200};
         const uint8_t head[16] = {};
-        return OFP_encode_FlowRule(&ctx, head, count_, items_, sizeof datagram, datagram);
+        return OFP_encode_FlowRule(&ctx, head, batch, items_, sizeof datagram, datagram);
     }
 
 private:
-    uint32_t count_;
-    bench::Rule rules_[most_rules];
-    OfpFlowItem items_[most_rules];
+    bench::Rule rules_[batch];
+    OfpFlowItem items_[batch];
 };
 
-void encode(benchmark::State &state, const Shape &shape, uint32_t count)
+void encode(benchmark::State &state, const Shape &shape)
 {
-    const Rules rules(shape, count);
+    const Rules rules(shape);
+    const uint64_t before = allocations;
     for (auto _ : state) {
         benchmark::DoNotOptimize(rules.encode());
         benchmark::ClobberMemory();
     }
+    state.counters["allocations"] = static_cast<double>(allocations - before);
 }
 
-void copy(benchmark::State &state, const Shape &shape, uint32_t count)
+void copy(benchmark::State &state, const Shape &shape)
 {
-    const Rules rules(shape, count);
+    const Rules rules(shape);
     uint64_t length = rules.encode();
     benchmark::DoNotOptimize(length);
     for (auto _ : state) {
@@ -79,77 +84,26 @@ void copy(benchmark::State &state, const Shape &shape, uint32_t count)
     }
 }
 
-std::string name_of(const char *what, const Shape &shape, uint32_t count)
-{
-    return std::string(what) + "/" + shape.name + "/" + std::to_string(count);
-}
-
-class Ratios : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        for (const Run &run : runs) {
-            if (run.run_type == Run::RT_Iteration)
-                times_[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
-        }
-    }
-    void Finalize() override
-    {
-        GetOutputStream()
-            << "\nns per rule          rules    encode      copy     ratio     limit\n";
-        for (uint32_t count : rule_counts) {
-            for (const Shape &shape : shapes)
-                print(shape, count);
-        }
-    }
-
-private:
-    void print(const Shape &shape, uint32_t count)
-    {
-        const double encoding = median(name_of("encode", shape, count)) / count;
-        const double copying = median(name_of("copy", shape, count)) / count;
-        if (encoding == 0 || copying == 0)
-            return; // filtered out
-        char line[128];
-        std::snprintf(line, sizeof line, "%-20s %5u %9.1f %9.2f %9.1f %9.0f\n", shape.name, count,
-                      encoding, copying, encoding / copying, shape.limit);
-        GetOutputStream() << line;
-    }
-    double median(const std::string &name)
-    {
-        std::vector<double> &times = times_[name];
-        if (times.empty())
-            return 0;
-        std::sort(times.begin(), times.end());
-        return times[times.size() / 2];
-    }
-    std::map<std::string, std::vector<double>> times_;
-};
-
 } // namespace
 
 int main(int argc, char **argv)
 {
-    for (uint32_t count : rule_counts) {
-        for (const Shape &shape : shapes) {
-            const auto add = [&](const char *what, auto function) {
-                benchmark::RegisterBenchmark(name_of(what, shape, count).c_str(), function, shape,
-                                             count);
-            };
-            add("encode", encode);
-            add("copy", copy);
-        }
+    std::vector<bench::Demand> demands;
+    for (const Shape &shape : shapes) {
+        const std::string name = shape.name;
+        benchmark::RegisterBenchmark(("encode/" + name).c_str(), encode, shape);
+        benchmark::RegisterBenchmark(("copy/" + name).c_str(), copy, shape);
+        demands.push_back({"encoding a rule, " + name + ", to copying it",
+                           {"encode/" + name, bench::Figure::processor, batch},
+                           {"copy/" + name, bench::Figure::processor, batch},
+                           bench::Sense::at_most,
+                           shape.limit,
+                           shape.aim});
+        demands.push_back({"allocations while encoding, " + name,
+                           {"encode/" + name, "allocations"},
+                           {},
+                           bench::Sense::at_most,
+                           0});
     }
-    std::vector<char *> arguments(argv, argv + argc);
-    char repetitions[] = "--benchmark_repetitions=15";
-    char interleaving[] = "--benchmark_enable_random_interleaving=true";
-    char time[] = "--benchmark_min_time=0.02";
-    arguments.insert(arguments.begin() + 1, {repetitions, interleaving, time});
-    int count = static_cast<int>(arguments.size());
-    benchmark::Initialize(&count, arguments.data());
-    if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
-        return 1;
-    Ratios reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    return 0;
+    return bench::run(argc, argv, demands);
 }

@@ -1,8 +1,4 @@
 // The memory switch: what an add with overlap check and a strict delete cost at a given size.
-//
-// Each run fills a table to the size, then adds new rules and deletes the oldest ones in turn, so
-// that the size stays what it says and no rule is found warm in a cache. per_item is one flow-mod,
-// decoded and applied.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -10,10 +6,10 @@
 #include <cstdint>
 #include <ctime>
 #include <malloc.h>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "demand.h"
 #include "openflow/oxm.h"
 #include "openflow/wire.h"
 #include "switch/switch.h"
@@ -23,7 +19,9 @@ namespace {
 using namespace openflow;
 
 constexpr uint16_t CLIENT = 4096;
+constexpr uint8_t TABLE = 200;
 constexpr uint32_t BATCH = 4096;
+constexpr int64_t ROUNDS = 24;
 
 // Distinct and without order: a bijection of 32-bit numbers.
 uint32_t scatter(uint32_t n)
@@ -162,41 +160,6 @@ size_t heap_bytes()
     return info.uordblks + info.hblkhd;
 }
 
-// A switch filled to a size, kept between the benchmarks of one rule set.
-struct Filled {
-    Filled(RuleSet rules, uint32_t size)
-    {
-        const size_t before = heap_bytes();
-        uint32_t number = 0;
-        while (sw.table(CLIENT, 200).rules < size) {
-            const Writer add = flow_mod(OFPFC_ADD, rules(number++));
-            refused += sw.flow_mod(CLIENT, add.bytes()) ? 1U : 0U;
-        }
-        next = number;
-        heap = heap_bytes() - before;
-    }
-
-    agent::Switch sw{{.rules_per_table = 2'000'000}};
-    uint32_t oldest = 0;
-    uint32_t next = 0;
-    uint64_t refused = 0;
-    size_t heap = 0;
-};
-
-Filled &filled(RuleSet rules, uint32_t size)
-{
-    static std::unique_ptr<Filled> kept;
-    static RuleSet kept_rules = nullptr;
-    static uint32_t kept_size = 0;
-    if (kept_rules != rules || kept_size != size) {
-        kept.reset();
-        kept = std::make_unique<Filled>(rules, size);
-        kept_rules = rules;
-        kept_size = size;
-    }
-    return *kept;
-}
-
 // Processor time: other work on the machine shows in the caches only.
 double seconds()
 {
@@ -205,68 +168,126 @@ double seconds()
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-double send_all(agent::Switch &sw, const std::vector<Writer> &messages)
-{
-    const double start = seconds();
-    for (const Writer &message : messages) {
-        benchmark::DoNotOptimize(sw.flow_mod(CLIENT, message.bytes()));
+// A switch filled to a size. Rounds add new rules and delete as many of the oldest, so that the
+// size stays and no rule is found warm in a cache.
+class Filled {
+public:
+    Filled(RuleSet rules, uint32_t size) : rules_(rules), size_(size)
+    {
+        const size_t before = heap_bytes();
+        while (switch_.table(CLIENT, TABLE).rules < size) {
+            switch_.flow_mod(CLIENT, flow_mod(OFPFC_ADD, rules_(next_++)).bytes());
+        }
+        bytes_ = heap_bytes() - before;
     }
-    return seconds() - start;
-}
 
-void run(benchmark::State &state, RuleSet rules, bool time_adds)
-{
-    const auto size = static_cast<uint32_t>(state.range(0));
-    Filled &full = filled(rules, size);
-    std::vector<Writer> adds(BATCH);
-    std::vector<Writer> deletes(BATCH);
-    for (auto _ : state) {
+    void round()
+    {
         for (uint32_t n = 0; n < BATCH; n++) {
-            adds[n] = flow_mod(OFPFC_ADD, rules(full.next++));
-            deletes[n] = flow_mod(OFPFC_DELETE_STRICT, rules(full.oldest++));
+            adds_[n] = flow_mod(OFPFC_ADD, rules_(next_++));
+            deletes_[n] = flow_mod(OFPFC_DELETE_STRICT, rules_(oldest_++));
         }
-        const double added = send_all(full.sw, adds);
-        const double deleted = send_all(full.sw, deletes);
-        state.SetIterationTime(time_adds ? added : deleted);
+        const double added = send_all(adds_);
+        const double deleted = send_all(deletes_);
+        if (rounds_++ > 0) { // the first warms the heap
+            add_times_.push_back(added);
+            delete_times_.push_back(deleted);
+        }
     }
-    const uint32_t now = full.sw.table(CLIENT, 200).rules;
-    if (now < size - size / 10 || now > size + size / 10) {
-        state.SkipWithError("the table did not keep its size");
+
+    bool kept_its_size() const
+    {
+        const uint32_t now = switch_.table(CLIENT, TABLE).rules;
+        return now > size_ - size_ / 10 && now < size_ + size_ / 10;
     }
-    state.SetItemsProcessed(state.iterations() * BATCH);
-    state.counters["per_item"] =
-        benchmark::Counter(static_cast<double>(state.iterations()) * BATCH,
-                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-    state.counters["bytes/rule"] = static_cast<double>(full.sw.memory()) / size;
-    state.counters["heap/rule"] = static_cast<double>(full.heap) / size;
-    state.counters["refused"] = static_cast<double>(full.refused);
+    double nanoseconds_per_add() { return per_rule(add_times_); }
+    double nanoseconds_per_delete() { return per_rule(delete_times_); }
+    double bytes_per_rule() const { return static_cast<double>(bytes_) / size_; }
+
+private:
+    double send_all(const std::vector<Writer> &messages)
+    {
+        const double start = seconds();
+        for (const Writer &message : messages) {
+            benchmark::DoNotOptimize(switch_.flow_mod(CLIENT, message.bytes()));
+        }
+        return seconds() - start;
+    }
+    static double per_rule(std::vector<double> &times)
+    {
+        std::sort(times.begin(), times.end());
+        return times[times.size() / 2] / BATCH * 1e9;
+    }
+
+    RuleSet rules_;
+    uint32_t size_;
+    agent::Switch switch_{{.rules_per_table = 2'000'000}};
+    size_t bytes_ = 0;
+    uint32_t oldest_ = 0;
+    uint32_t next_ = 0;
+    int rounds_ = 0;
+    std::vector<Writer> adds_ = std::vector<Writer>(BATCH);
+    std::vector<Writer> deletes_ = std::vector<Writer>(BATCH);
+    std::vector<double> add_times_;
+    std::vector<double> delete_times_;
+};
+
+// The sizes take turns, so that whatever else the machine does meets them all.
+void run(benchmark::State &state, RuleSet rules)
+{
+    Filled small(rules, 10'000);
+    Filled medium(rules, 100'000);
+    Filled large(rules, 1'000'000);
+    for (auto _ : state) {
+        small.round();
+        medium.round();
+        large.round();
+    }
+    if (!small.kept_its_size() || !medium.kept_its_size() || !large.kept_its_size()) {
+        state.SkipWithError("a table did not keep its size");
+    }
+    state.counters["add_10k"] = small.nanoseconds_per_add();
+    state.counters["add_100k"] = medium.nanoseconds_per_add();
+    state.counters["add_1M"] = large.nanoseconds_per_add();
+    state.counters["delete_10k"] = small.nanoseconds_per_delete();
+    state.counters["delete_100k"] = medium.nanoseconds_per_delete();
+    state.counters["delete_1M"] = large.nanoseconds_per_delete();
+    state.counters["bytes_1M"] = large.bytes_per_rule();
 }
 
-void registered(const char *name, RuleSet rules)
-{
-    for (const int64_t size : {10'000, 100'000, 1'000'000}) {
-        for (const bool adds : {true, false}) {
-            const std::string full_name = std::string(adds ? "Add/" : "DeleteStrict/") + name;
-            benchmark::RegisterBenchmark(
-                full_name.c_str(),
-                [rules, adds](benchmark::State &state) { run(state, rules, adds); })
-                ->Arg(size)
-                ->UseManualTime()
-                ->Iterations(48);
-        }
-    }
-}
+constexpr struct {
+    const char *name;
+    RuleSet rules;
+} rule_sets[] = {
+    {"distinct_priorities", distinct_priorities}, {"one_priority", one_priority},
+    {"prefix_disjoint", prefix_disjoint},         {"200_masks", masks_200},
+    {"no_common_field", no_common_field},
+};
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    registered("distinct_priorities", distinct_priorities);
-    registered("one_priority", one_priority);
-    registered("prefix_disjoint", prefix_disjoint);
-    registered("200_masks", masks_200);
-    registered("no_common_field", no_common_field);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    using enum bench::Sense;
+    std::vector<bench::Demand> demands;
+    for (const auto &[name, rules] : rule_sets) {
+        benchmark::RegisterBenchmark(name, run, rules)->Iterations(ROUNDS)->Repetitions(1);
+        const std::string set = name;
+        demands.push_back({"adding to a million rules to adding to ten thousand, " + set,
+                           {set, "add_1M"},
+                           {set, "add_10k"},
+                           at_most,
+                           1.2});
+        demands.push_back({"strict delete from a million rules to one from ten thousand, " + set,
+                           {set, "delete_1M"},
+                           {set, "delete_10k"},
+                           at_most,
+                           1.2});
+    }
+    demands.push_back({"bytes of memory a five-tuple rule, of a million",
+                       {"one_priority", "bytes_1M", 1, "bytes"},
+                       {},
+                       at_most,
+                       600});
+    return bench::run(argc, argv, demands);
 }

@@ -65,4 +65,3 @@ enum class Fields { all, of_open_vswitch };
 std::unique_ptr<Record> random_record(Random &random, Fields fields = Fields::all);
 
 } // namespace flow_test
-

@@ -1,0 +1,106 @@
+// How long a query and a setting take, as a multiple of the bare exchange of datagrams of the same
+// sizes with the same peer. Client and peer share a core when the whole is started on one.
+#include <memory>
+
+#include <benchmark/benchmark.h>
+
+#include "demand.h"
+#include "peer.h"
+
+namespace {
+
+constexpr uint16_t instance = 1;
+constexpr uint8_t table = 200;
+constexpr OfpEchoTime echo_time = {.interval = 5, .instance_id = instance};
+
+const OfpRuleIDInfo key = {.rule_id = 1, .instance_id = instance, .table_id = table};
+
+template <class Call>
+void repeat(benchmark::State &state, Call call)
+{
+    for (auto _ : state)
+        bench::check(call() == 0, "a call");
+}
+
+void bare(benchmark::State &state, const bench::Bytes &request)
+{
+    const bench::BareExchange exchange;
+    for (auto _ : state)
+        exchange.run(request, 1);
+}
+
+void next_rule(benchmark::State &state)
+{
+    uint32_t next = 0;
+    repeat(state, [&] { return OFP_get_NextRuleID(instance, table, 1, &next); });
+}
+
+void rule_info(benchmark::State &state)
+{
+    const auto buffer = std::make_unique<uint8_t[]>(OFP_LARGE_DATAGRAM_SIZE);
+    uint64_t length = 0;
+    repeat(state, [&] { return OFP_get_RuleInfo(instance, table, 1, buffer.get(), &length); });
+}
+
+void set_echo_time(benchmark::State &state)
+{
+    repeat(state, [] { return OFP_set_EchoTime(&echo_time); });
+}
+
+void status(benchmark::State &state)
+{
+    repeat(state, [] { return OFP_util_IsDaemonStart() == 1 ? 0 : 1; });
+}
+
+template <class... Arguments>
+void add(const char *name, Arguments... arguments)
+{
+    benchmark::RegisterBenchmark(name, arguments...)->UseRealTime();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const bench::EchoPeer peer;
+    peer.use();
+    add("OFP_get_NextRuleID", next_rule);
+    add("bare/OFP_get_NextRuleID", bare,
+        bench::request(OFP_MSG_GET_NEXT_RULE_ID, OFP_TLV_RuleIDInfo, key));
+    add("OFP_get_RuleInfo", rule_info);
+    add("bare/OFP_get_RuleInfo", bare,
+        bench::request(OFP_MSG_GET_RULE_INFO, OFP_TLV_RuleIDInfo, key));
+    add("OFP_set_EchoTime", set_echo_time);
+    add("bare/OFP_set_EchoTime", bare,
+        bench::request(OFP_MSG_SET_ECHO_TIME, OFP_TLV_EchoTime, echo_time));
+    add("status", status);
+
+    using enum bench::Sense;
+    return bench::run(argc, argv,
+                      {{"OFP_get_NextRuleID to a bare exchange",
+                        {"OFP_get_NextRuleID"},
+                        {"bare/OFP_get_NextRuleID"},
+                        at_most,
+                        1.15},
+                       {"OFP_get_RuleInfo to a bare exchange",
+                        {"OFP_get_RuleInfo"},
+                        {"bare/OFP_get_RuleInfo"},
+                        at_most,
+                        1.15},
+                       {"OFP_set_EchoTime less asking whether the agent runs, to a bare exchange",
+                        {"OFP_set_EchoTime"},
+                        {"bare/OFP_set_EchoTime"},
+                        at_most,
+                        1.07,
+                        0,
+                        {"status"}},
+                       {"asking whether the agent runs, to a bare exchange",
+                        {"status"},
+                        {"bare/OFP_set_EchoTime"},
+                        at_most,
+                        0.10},
+                       {"OFP_set_EchoTime as a whole, to a bare exchange",
+                        {"OFP_set_EchoTime"},
+                        {"bare/OFP_set_EchoTime"},
+                        reported}});
+}
