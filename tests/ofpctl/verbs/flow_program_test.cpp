@@ -26,14 +26,15 @@ Script script;
 } // namespace
 
 // These stand before those of libofp.so and libofp-host.so.
-uint32_t OFP_AddFlowRule(uint16_t, uint8_t, uint32_t count, const OfpFlowItem *, uint64_t *results)
+OFP_API uint32_t OFP_AddFlowRule(uint16_t, uint8_t, uint32_t count, const OfpFlowItem *,
+                                 uint64_t *results)
 {
     script.calls.push_back(count);
     std::fill_n(results, count, static_cast<uint64_t>(OFP_RC_FAILED));
     return script.program(count, results);
 }
 
-uint16_t OFP_util_IsDaemonStart() { return script.running; }
+OFP_API uint16_t OFP_util_IsDaemonStart() { return script.running; }
 int32_t HOST_GetAgentPid(uint16_t) { return script.agent_pid(); }
 
 namespace ofpctl {
