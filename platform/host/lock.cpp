@@ -68,6 +68,54 @@ struct flock range_of(LockByte byte)
     return range;
 }
 
+/* The lock file that was asked about last stays open: opening is the dearest part of asking, and
+ * every call of the library asks. */
+struct Watched {
+    Path file;
+    int fd;
+    dev_t device;
+    ino_t inode;
+};
+
+constinit Watched watched{{}, -1, 0, 0};
+
+/* A program may close descriptors that it does not know and open others in their place. */
+bool still_watched(struct stat &info)
+{
+    return watched.fd >= 0 && fstat(watched.fd, &info) == 0 && info.st_dev == watched.device &&
+           info.st_ino == watched.inode;
+}
+
+/* With own_mutex held. To be called before this process locks a file: closing another descriptor of
+ * that file later would end the lock. */
+void stop_watching()
+{
+    struct stat info {};
+    if (still_watched(info)) {
+        close(watched.fd);
+    }
+    watched.fd = -1;
+}
+
+/* With own_mutex held. An open descriptor of the file, which stays watched; -1 and errno. */
+int watch(const Path &file)
+{
+    struct stat info {};
+    if (strcmp(watched.file.text, file.text) == 0 && still_watched(info) && info.st_nlink != 0) {
+        return watched.fd;
+    }
+    stop_watching();
+    Descriptor fd(open(file.text, O_RDONLY | O_CLOEXEC));
+    if (fd && fd.get() <= STDERR_FILENO) {
+        fd.reset(fcntl(fd.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    }
+    if (!fd || fstat(fd.get(), &info) != 0) {
+        return -1;
+    }
+    watched = {file, fd.release(), info.st_dev, info.st_ino};
+    return watched.fd;
+}
+
 int32_t keep_own(const Path &file, int fd)
 {
     struct stat info {};
@@ -84,6 +132,7 @@ int32_t keep_own(const Path &file, int fd)
 
 int32_t lock_owner(const Path &file)
 {
+    stop_watching();
     Descriptor fd(open(file.text, O_RDWR | O_CREAT | O_CLOEXEC, 0600));
     if (!fd) {
         return fail(errno, "lock file %s: %s", file.text, strerror(errno));
@@ -102,20 +151,18 @@ int32_t lock_owner(const Path &file)
 int32_t find_holder(const Path &file, LockByte byte, Holder &holder)
 {
     holder = {};
-    {
-        std::lock_guard guard(own_mutex);
-        if (const OwnLock *own = find_own(file)) {
-            bool held = byte == LockByte::owner || own->serving;
-            holder = {held, held ? own->process : 0};
-            return 0;
-        }
-    }
-    Descriptor fd(open(file.text, O_RDONLY | O_CLOEXEC));
-    struct flock range = range_of(byte);
-    if (!fd && errno == ENOENT) {
+    std::lock_guard guard(own_mutex);
+    if (const OwnLock *own = find_own(file)) {
+        bool held = byte == LockByte::owner || own->serving;
+        holder = {held, held ? own->process : 0};
         return 0;
     }
-    if (!fd || fcntl(fd.get(), F_GETLK, &range) != 0) {
+    int fd = watch(file);
+    struct flock range = range_of(byte);
+    if (fd < 0 && errno == ENOENT) {
+        return 0;
+    }
+    if (fd < 0 || fcntl(fd, F_GETLK, &range) != 0) {
         return fail(errno, "lock file %s: %s", file.text, strerror(errno));
     }
     holder.held = range.l_type != F_UNLCK;

@@ -21,11 +21,14 @@ namespace {
 /* directory + rest, or an error when that is longer than a socket address holds. */
 int32_t join(Path &path, const char *directory, const char *rest)
 {
-    int length = snprintf(path.text, sizeof path.text, "%s%s", directory, rest);
-    if (length < 0 || static_cast<size_t>(length) >= sizeof path.text) {
+    size_t first = strlen(directory);
+    size_t second = strlen(rest);
+    if (first + second >= sizeof path.text) {
         return fail(ENAMETOOLONG, "%s%s: longer than the %zu characters a socket path may have",
                     directory, rest, sizeof path.text - 1);
     }
+    memcpy(path.text, directory, first);
+    memcpy(path.text + first, rest, second + 1);
     return 0;
 }
 
@@ -40,7 +43,7 @@ int32_t node_name(uint16_t node, char *name, size_t size)
                     config->path);
     }
     if (node == config->master) {
-        snprintf(name, size, "/agent.");
+        strlcpy(name, "/agent.", size);
     } else {
         snprintf(name, size, "/agent-%u.", node);
     }

@@ -125,16 +125,17 @@ int64_t within_time_out(int32_t s, int time_out, int16_t event, int32_t flags, C
     return count;
 }
 
-/* An agent's socket has a name, so an empty datagram has a sender while a hang-up has none. When an
- * agent dies with requests unread, one reset precedes the answers that it had sent. */
+/* An agent's socket has a name, so an empty datagram has a sender while a hang-up has none. Only
+ * the length of the name is asked for. When an agent dies with requests unread, one reset precedes
+ * the answers that it had sent. */
 int64_t receive_once(int32_t s, void *buffer, size_t size, int32_t flags)
 {
-    sockaddr_un sender;
+    sockaddr sender;
     socklen_t length;
     int64_t count;
     do {
-        length = sizeof sender;
-        count = recvfrom(s, buffer, size, flags, reinterpret_cast<sockaddr *>(&sender), &length);
+        length = 0;
+        count = recvfrom(s, buffer, size, flags, &sender, &length);
     } while (count < 0 && errno == ECONNRESET);
     return count == 0 && length == 0 ? reject(ECONNRESET) : count;
 }

@@ -148,6 +148,23 @@ TEST_F(AgentSide, AskingAboutItsOwnLockDoesNotDropIt)
     });
 }
 
+TEST_F(AgentSide, AskingBeforeTakingTheLockDoesNotDropItLater)
+{
+    write_file("agent.lock", "");
+    in_child([this] {
+        EXPECT_EQ(HOST_GetAgentPid(0), 0);
+        ASSERT_GE(HOST_LockAgent(0), 0) << HOST_LastError();
+        /* Elsewhere, so that what was looked at before is no longer needed. */
+        ASSERT_EQ(mkdir(path("other").c_str(), 0700), 0);
+        write_file("other/agent.lock", "");
+        setenv("OFP_RUNTIME_DIR", path("other").c_str(), 1);
+        EXPECT_EQ(HOST_GetAgentPid(0), 0);
+        setenv("OFP_RUNTIME_DIR", directory_.c_str(), 1);
+        pid_t agent = getpid();
+        in_child([=] { EXPECT_EQ(HOST_GetAgentPid(0), agent); });
+    });
+}
+
 TEST_F(AgentSide, ListenerIsPrivateAndReplacesAStaleSocket)
 {
     {

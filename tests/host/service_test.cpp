@@ -122,6 +122,63 @@ TEST_F(Service, StaleFilesAreNoAgent)
     });
 }
 
+TEST_F(Service, RemovedAndReplacedLockFilesAreNoAgent)
+{
+    in_child([this] {
+        ASSERT_EQ(SERVICE_Start(0, "OFP", 0, 0), 0u) << HOST_LastError();
+        pid_t agent = HOST_GetAgentPid(0);
+        EXPECT_EQ(status_of(0), 1u);
+        ASSERT_EQ(rename(path("agent.lock").c_str(), path("kept").c_str()), 0);
+        ASSERT_EQ(link(path("kept").c_str(), path("agent.lock").c_str()), 0);
+        EXPECT_EQ(status_of(0), 1u);
+        unlink(path("kept").c_str());
+        unlink(path("agent.lock").c_str());
+        EXPECT_EQ(status_of(0), 0u);
+        write_file("agent.lock", "");
+        EXPECT_EQ(status_of(0), 0u);
+        kill(agent, SIGKILL);
+    });
+}
+
+TEST_F(Service, ProgramsThatCloseWhatTheyDoNotKnowDoNotMatter)
+{
+    in_child([] {
+        ASSERT_EQ(SERVICE_Start(0, "OFP", 0, 0), 0u) << HOST_LastError();
+        EXPECT_EQ(status_of(0), 1u);
+        constexpr int most = 30;
+        for (int fd = 3; fd < most; ++fd) {
+            close(fd);
+        }
+        EXPECT_EQ(status_of(0), 1u);
+        for (int fd = 3; fd < most; ++fd) {
+            close(fd);
+        }
+        while (open("/dev/null", O_RDONLY | O_CLOEXEC) < most) {
+        }
+        EXPECT_EQ(status_of(0), 1u);
+        for (int fd = 3; fd <= most; ++fd) {
+            EXPECT_GE(fcntl(fd, F_GETFD), 0) << fd;
+        }
+    });
+}
+
+TEST_F(Service, AskingLeavesTheStandardDescriptorsAlone)
+{
+    in_child([] {
+        ASSERT_EQ(SERVICE_Start(0, "OFP", 0, 0), 0u) << HOST_LastError();
+        int saved = fcntl(2, F_DUPFD_CLOEXEC, 100);
+        close(0);
+        close(2);
+        uint32_t status = 0;
+        setenv("OFP_RUNTIME_DIR", (std::string(getenv("OFP_RUNTIME_DIR")) + "/.").c_str(), 1);
+        SERVICE_GetStatus(0, "OFP", 0, &status);
+        bool free = fcntl(0, F_GETFD) == -1 && fcntl(2, F_GETFD) == -1;
+        dup2(saved, 2);
+        EXPECT_EQ(status, 1u);
+        EXPECT_TRUE(free);
+    });
+}
+
 TEST_F(Service, FileInTheSocketsPlaceIsNotRemoved)
 {
     write_file("agent.sock", "precious");
