@@ -59,8 +59,8 @@ bool bind(sqlite3_stmt *statement, int at, const StoredValue &value)
         return bind_text(statement, at, *text);
     }
     const auto &bytes = std::get<StoredBytes>(value);
-    return sqlite3_bind_blob64(statement, at, bytes.data(), bytes.size(), SQLITE_STATIC) ==
-           SQLITE_OK;
+    const void *const data = bytes.empty() ? "" : static_cast<const void *>(bytes.data());
+    return sqlite3_bind_blob64(statement, at, data, bytes.size(), SQLITE_STATIC) == SQLITE_OK;
 }
 
 StoredValue column(sqlite3_stmt *statement, int at)
