@@ -1,4 +1,4 @@
-// A table of rules to program: exact five-tuples, all distinct.
+// A table of rules to program: five-tuples, all distinct and without overlap.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,8 @@ constexpr uint32_t rules_of_a_datagram = 12;
 
 class Table {
 public:
-    explicit Table(uint32_t rules) : items_(rules)
+    // Of one mask combination all addresses are exact; of 200, prefixes.
+    explicit Table(uint32_t rules, uint32_t masks = 1) : items_(rules), masks_(masks)
     {
         for (OfpFlowItem &item : items_) {
             item.priority = 100;
@@ -23,11 +24,13 @@ public:
                 item.match.fields |= uint64_t{1} << bit;
             item.match.eth_type = 0x0800;
             item.match.ip_proto = 6;
-            item.match.tcp_src = 1024;
-            item.match.tcp_dst = 443;
-            item.match.mask = &mask_;
             item.action_count = 1;
             item.actions = actions_;
+        }
+        for (uint32_t mask = 0; masks > 1 && mask < masks; ++mask) {
+            masks_[mask].masked = 1U << OFP_FIELD_IPV4_SRC | 1U << OFP_FIELD_IPV4_DST;
+            masks_[mask].ipv4_src = prefix(8 + mask % 25);
+            masks_[mask].ipv4_dst = prefix(16 + 2 * (mask / 25 % 8));
         }
         number(0);
     }
@@ -38,6 +41,9 @@ public:
     void number(uint32_t first)
     {
         for (OfpFlowItem &item : items_) {
+            item.match.mask = &masks_[first % masks_.size()];
+            item.match.tcp_src = static_cast<uint16_t>(first);
+            item.match.tcp_dst = static_cast<uint16_t>(first >> 16);
             item.match.ipv4_src = first * 0x9e3779b1;
             item.match.ipv4_dst = first++;
         }
@@ -46,8 +52,10 @@ public:
     uint32_t size() const { return static_cast<uint32_t>(items_.size()); }
 
 private:
+    static constexpr uint32_t prefix(uint32_t length) { return ~uint32_t{0} << (32 - length); }
+
     std::vector<OfpFlowItem> items_;
-    OfpMatchMask mask_ = {};
+    std::vector<OfpMatchMask> masks_;
     OfpActionOutput output_ = {{OFP_ACTION_OUTPUT, sizeof output_}, OFP_PORT_NUMBER, 3};
     OfpAction *actions_[1] = {&output_.header};
 };
