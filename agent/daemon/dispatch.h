@@ -16,7 +16,7 @@ struct Outcome {
 };
 
 // Answers one datagram. Whatever it holds, the model stays whole and nothing is thrown.
-Outcome answer(Bytes datagram, Outbox &out, Model &model) noexcept;
+Outcome answer(Bytes datagram, Outbox &out, Model &model, Sender sender = {}) noexcept;
 
 // Refuses whatever the datagram holds.
 Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcept;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "daemon/result_codes.h"
+#include "events/applications.h"
 #include "ofp.h"
 #include "switch/switch.h"
 
@@ -57,6 +58,7 @@ public:
     const Switch &flow_switch() const { return flow_switch_; }
 
     Counters counters;
+    Applications applications;
 
 private:
     std::map<uint16_t, Instance> instances_;

@@ -1,5 +1,6 @@
 #include "daemon/server.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <new>
@@ -20,9 +21,6 @@ constexpr size_t DATAGRAM_MAX = 65535;
 constexpr int ACCEPTS_PER_TURN = 64;
 constexpr int DATAGRAMS_PER_TURN = 16;
 constexpr size_t SENDS_PER_CALL = 32;
-
-constexpr size_t QUEUE_HIGH = size_t{64} * 1024;        // no more of the client's requests are read
-constexpr size_t QUEUE_LIMIT = size_t{4} * 1024 * 1024; // the client is dropped
 
 constexpr timeval RETRY_ACCEPT{0, 100'000};
 
@@ -53,24 +51,31 @@ void log_refusal(const Outcome &outcome, pid_t pid)
 
 struct Server::Connection {
     Server *server = nullptr;
+    uint32_t number = 0; // its place in the server's list, from 1
     int fd = -1;
     Peer peer;
-    bool ended = false; // the client sends nothing more
-    short awaited = 0;  // events that the event below waits for
+    bool heard = false;   // something was read from it
+    bool ended = false;   // the client sends nothing more
+    short awaited = 0;    // events that the event below waits for
+    size_t accounted = 0; // bytes of the queue that are part of the server's sum
     event ready{};
     Outbox queue; // answers that the client has not taken yet
 };
 
-Server::Server(event_base *base, int listener, Model &model)
-    : base_(base), listener_(listener), own_user_(geteuid()), model_(model),
+Server::Server(event_base *base, int listener, Model &model, const QueueLimits &limits)
+    : base_(base), listener_(listener), own_user_(geteuid()), model_(model), limits_(limits),
       buffer_(std::make_unique<uint8_t[]>(DATAGRAM_MAX + 1))
 {
     event_assign(&accept_event_, base_, listener_, EV_READ | EV_PERSIST, on_listener, this);
     event_assign(&retry_event_, base_, -1, 0, on_retry, this);
+    event_assign(&work_event_, base_, -1, 0, on_work, this);
+    // Not at once: whoever publishes an event may be in the middle of answering a request.
+    model_.applications.on_work = [this] { event_active(&work_event_, 0, 0); };
 }
 
 Server::~Server()
 {
+    model_.applications.on_work = [] {};
     for (const auto &connection : connections_) {
         if (connection->fd >= 0) {
             close(*connection);
@@ -78,6 +83,7 @@ Server::~Server()
     }
     event_del(&accept_event_);
     event_del(&retry_event_);
+    event_del(&work_event_);
 }
 
 bool Server::start()
@@ -134,7 +140,9 @@ Server::Connection *Server::open(int fd)
     try {
         if (idle_.empty()) {
             idle_.reserve(connections_.size() + 1);
+            silent_.reserve(connections_.size() + 1);
             connections_.push_back(std::make_unique<Connection>());
+            connections_.back()->number = static_cast<uint32_t>(connections_.size());
             idle_.push_back(connections_.back().get());
         }
     } catch (const std::bad_alloc &) {
@@ -148,8 +156,10 @@ Server::Connection *Server::open(int fd)
     connection.server = this;
     connection.fd = fd;
     connection.peer = peer_of(fd, own_user_);
+    connection.heard = false;
     connection.ended = false;
     connection.awaited = 0;
+    silent_.push_back(&connection);
     return &connection;
 }
 
@@ -160,7 +170,12 @@ void Server::close(Connection &connection)
     }
     ::close(connection.fd);
     connection.fd = -1;
+    if (!connection.heard) {
+        std::erase(silent_, &connection);
+    }
+    model_.applications.leave(connection.number);
     connection.queue.clear();
+    account(connection);
     idle_.push_back(&connection);
     --active_;
     if (!accepting_) {
@@ -178,24 +193,45 @@ void Server::on_connection(int, short what, void *argument)
 
 void Server::tend(Connection &connection, short what)
 {
-    bool open = true;
-    if (!connection.queue.empty()) {
-        open = flush(connection, connection.queue);
+    if (!connection.heard) {
+        hear_silent(connection);
     }
+    go_on(connection, what);
+}
+
+void Server::go_on(Connection &connection, short what)
+{
+    bool open = flush_all(connection);
     if (open && (what & EV_READ)) {
         open = read_some(connection);
     }
     if (open && connection.ended && connection.queue.empty()) {
         open = false;
     }
+    account(connection);
     if (!open || !await(connection)) {
         close(connection);
     }
 }
 
+// A process registers on one connection and subscribes on another. Both may become readable
+// together, so that the earlier one, if nothing was read from it yet, is read first.
+void Server::hear_silent(const Connection &newcomer)
+{
+    for (size_t i = 0; i < silent_.size() && silent_[i] != &newcomer;) {
+        Connection *const earlier = silent_[i];
+        if (earlier->peer.pid == newcomer.peer.pid) {
+            go_on(*earlier, EV_READ);
+        }
+        if (i < silent_.size() && silent_[i] == earlier) { // still
+            ++i;
+        }
+    }
+}
+
 bool Server::read_some(Connection &connection)
 {
-    for (int turn = 0; turn < DATAGRAMS_PER_TURN && connection.queue.bytes() <= QUEUE_HIGH;
+    for (int turn = 0; turn < DATAGRAMS_PER_TURN && connection.queue.bytes() <= queue_limit();
          ++turn) {
         const int64_t length = HOST_Receive(connection.fd, buffer_.get(), DATAGRAM_MAX + 1);
         if (length == HOST_HANGUP) {
@@ -204,6 +240,10 @@ bool Server::read_some(Connection &connection)
         }
         if (length < 0) {
             return errno == EAGAIN || errno == EINTR;
+        }
+        if (!connection.heard) {
+            connection.heard = true;
+            std::erase(silent_, &connection);
         }
         if (!serve(connection, {buffer_.get(), static_cast<size_t>(length)})) {
             return false;
@@ -221,7 +261,7 @@ bool Server::serve(Connection &connection, Bytes datagram)
     } else if (datagram.size() > DATAGRAM_MAX) {
         outcome = refuse(datagram, TOO_LONG, out, model_);
     } else {
-        outcome = answer(datagram, out, model_);
+        outcome = answer(datagram, out, model_, {connection.number, connection.peer.pid});
     }
     if (outcome.code != 0) {
         log_refusal(outcome, connection.peer.pid);
@@ -235,11 +275,20 @@ bool Server::serve(Connection &connection, Bytes datagram)
             std::swap(fresh_, connection.queue);
         }
     }
-    if (connection.queue.bytes() > QUEUE_LIMIT) {
+    if (connection.queue.bytes() > limits_.own + limits_.excess) {
         log::warning("process {} does not take its answers and is dropped", connection.peer.pid);
         return false;
     }
     return !outcome.hang_up && connection.peer.own_user;
+}
+
+bool Server::flush_all(Connection &connection)
+{
+    if (!connection.queue.empty() && !flush(connection, connection.queue)) {
+        return false;
+    }
+    Application *const application = model_.applications.of(connection.number);
+    return !application || !connection.queue.empty() || flush(connection, application->waiting);
 }
 
 bool Server::flush(Connection &connection, Outbox &out)
@@ -272,10 +321,11 @@ bool Server::flush(Connection &connection, Outbox &out)
 bool Server::await(Connection &connection)
 {
     short wanted = 0;
-    if (!connection.ended && connection.queue.bytes() <= QUEUE_HIGH) {
+    if (!connection.ended && connection.queue.bytes() <= queue_limit()) {
         wanted |= EV_READ;
     }
-    if (!connection.queue.empty()) {
+    const Application *const application = model_.applications.of(connection.number);
+    if (!connection.queue.empty() || (application && !application->waiting.empty())) {
         wanted |= EV_WRITE;
     }
     if (wanted == connection.awaited) {
@@ -292,6 +342,44 @@ bool Server::await(Connection &connection)
     }
     connection.awaited = wanted;
     return true;
+}
+
+// Keeps the sum of what waits. Clients that were held back while it was too high go on once it is
+// low again.
+void Server::account(Connection &connection)
+{
+    queued_ += connection.queue.bytes() - connection.accounted;
+    connection.accounted = connection.queue.bytes();
+    if (queued_ > limits_.all) {
+        scarce_ = true;
+    } else if (scarce_ && queued_ <= limits_.all / 2) {
+        scarce_ = false;
+        event_active(&work_event_, 0, 0);
+    }
+}
+
+// ---- Events
+
+void Server::on_work(int, short, void *argument)
+{
+    auto *const server = static_cast<Server *>(argument);
+    server->close_superseded();
+    for (const auto &connection : server->connections_) {
+        if (connection->fd >= 0) {
+            server->tend(*connection, 0);
+        }
+    }
+}
+
+// Whoever was registered under the id finds its connection ended.
+void Server::close_superseded()
+{
+    for (const uint32_t number : model_.applications.take_superseded()) {
+        Connection &connection = *connections_[number - 1];
+        log::warning("process {}: its application was registered by another process",
+                     connection.peer.pid);
+        close(connection);
+    }
 }
 
 } // namespace agent
