@@ -27,11 +27,8 @@ public:
             item.action_count = 1;
             item.actions = actions_;
         }
-        for (uint32_t mask = 0; masks > 1 && mask < masks; ++mask) {
-            masks_[mask].masked = 1U << OFP_FIELD_IPV4_SRC | 1U << OFP_FIELD_IPV4_DST;
-            masks_[mask].ipv4_src = prefix(8 + mask % 25);
-            masks_[mask].ipv4_dst = prefix(16 + 2 * (mask / 25 % 8));
-        }
+        for (uint32_t i = 0; i < masks; ++i)
+            masks_[i] = masks == 1 ? mask_of(32, 32) : mask_of(8 + i % 25, 16 + 2 * (i / 25 % 8));
         number(0);
     }
     Table(const Table &) = delete;
@@ -41,18 +38,27 @@ public:
     void number(uint32_t first)
     {
         for (OfpFlowItem &item : items_) {
-            item.match.mask = &masks_[first % masks_.size()];
+            OfpMatchMask &mask = masks_[first % masks_.size()];
+            item.match.mask = &mask;
             item.match.tcp_src = static_cast<uint16_t>(first);
             item.match.tcp_dst = static_cast<uint16_t>(first >> 16);
-            item.match.ipv4_src = first * 0x9e3779b1;
-            item.match.ipv4_dst = first++;
+            item.match.ipv4_src = first * 0x9e3779b1 & mask.ipv4_src;
+            item.match.ipv4_dst = first++ & mask.ipv4_dst;
         }
     }
     const OfpFlowItem *from(std::size_t index) const { return &items_[index]; }
     uint32_t size() const { return static_cast<uint32_t>(items_.size()); }
 
 private:
-    static constexpr uint32_t prefix(uint32_t length) { return ~uint32_t{0} << (32 - length); }
+    static OfpMatchMask mask_of(uint32_t src_length, uint32_t dst_length)
+    {
+        OfpMatchMask mask = {};
+        mask.ipv4_src = ~uint32_t{0} << (32 - src_length);
+        mask.ipv4_dst = ~uint32_t{0} << (32 - dst_length);
+        mask.masked = uint64_t{src_length < 32} << OFP_FIELD_IPV4_SRC | uint64_t{dst_length < 32}
+                                                                            << OFP_FIELD_IPV4_DST;
+        return mask;
+    }
 
     std::vector<OfpFlowItem> items_;
     std::vector<OfpMatchMask> masks_;
