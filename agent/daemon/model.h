@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "channel/controller_state.h"
 #include "config/configuration.h"
 #include "daemon/result_codes.h"
 #include "events/applications.h"
@@ -55,6 +56,7 @@ public:
 
     Counters counters;
     Applications applications;
+    ControllerStates controllers; // kept by whoever holds the connections
 
 private:
     void instance_changed(uint16_t id, const InstanceConfig *before,
