@@ -19,7 +19,7 @@ namespace {
 
 constexpr size_t DATAGRAM_MAX = 65535;
 constexpr int ACCEPTS_PER_TURN = 64;
-constexpr int DATAGRAMS_PER_TURN = 16;
+constexpr int DATAGRAMS_PER_TURN = 32;
 constexpr size_t SENDS_PER_CALL = 32;
 
 constexpr timeval RETRY_ACCEPT{0, 100'000};
@@ -45,6 +45,26 @@ void log_refusal(const Outcome &outcome, pid_t pid)
     log::refusal("process {}: {} ({:#x}) refused: {} ({:#010x})", pid,
                  message_name(outcome.message), outcome.message, result_text(outcome.code),
                  outcome.code);
+}
+
+// -1 and errno, or how many went.
+int send_front(int fd, const Outbox &out)
+{
+    constexpr int FLAGS = MSG_DONTWAIT | MSG_NOSIGNAL;
+    Bytes datagrams[SENDS_PER_CALL];
+    const size_t count = out.front(datagrams);
+    if (count == 1) {
+        return send(fd, datagrams[0].data(), datagrams[0].size(), FLAGS) < 0 ? -1 : 1;
+    }
+    iovec parts[SENDS_PER_CALL];
+    mmsghdr messages[SENDS_PER_CALL];
+    for (size_t i = 0; i < count; ++i) {
+        parts[i] = {const_cast<uint8_t *>(datagrams[i].data()), datagrams[i].size()};
+        messages[i] = {};
+        messages[i].msg_hdr.msg_iov = &parts[i];
+        messages[i].msg_hdr.msg_iovlen = 1;
+    }
+    return sendmmsg(fd, messages, static_cast<unsigned>(count), FLAGS);
 }
 
 } // namespace
@@ -229,27 +249,38 @@ void Server::hear_silent(const Connection &newcomer)
     }
 }
 
+// The first request of a turn is answered at once: most clients send one and wait. The answers to
+// those behind it leave together.
 bool Server::read_some(Connection &connection)
 {
-    for (int turn = 0; turn < DATAGRAMS_PER_TURN && connection.queue.bytes() <= queue_limit();
+    Read read = Read::served;
+    for (int turn = 0; read == Read::served && turn < DATAGRAMS_PER_TURN &&
+                       connection.queue.bytes() + fresh_.bytes() <= queue_limit();
          ++turn) {
-        const int64_t length = HOST_Receive(connection.fd, buffer_.get(), DATAGRAM_MAX + 1);
-        if (length == HOST_HANGUP) {
-            connection.ended = true;
-            return true;
-        }
-        if (length < 0) {
-            return errno == EAGAIN || errno == EINTR;
-        }
-        if (!connection.heard) {
-            connection.heard = true;
-            std::erase(silent_, &connection);
-        }
-        if (!serve(connection, {buffer_.get(), static_cast<size_t>(length)})) {
+        read = read_one(connection);
+        if (turn == 0 && !deliver(connection)) {
             return false;
         }
     }
-    return true;
+    return deliver(connection) && read != Read::failed;
+}
+
+Server::Read Server::read_one(Connection &connection)
+{
+    const int64_t length = HOST_Receive(connection.fd, buffer_.get(), DATAGRAM_MAX + 1);
+    if (length == HOST_HANGUP) {
+        connection.ended = true;
+        return Read::nothing;
+    }
+    if (length < 0) {
+        return errno == EAGAIN || errno == EINTR ? Read::nothing : Read::failed;
+    }
+    if (!connection.heard) {
+        connection.heard = true;
+        std::erase(silent_, &connection);
+    }
+    const bool goes_on = serve(connection, {buffer_.get(), static_cast<size_t>(length)});
+    return goes_on ? Read::served : Read::failed;
 }
 
 bool Server::serve(Connection &connection, Bytes datagram)
@@ -267,20 +298,23 @@ bool Server::serve(Connection &connection, Bytes datagram)
     if (outcome.code != 0) {
         log_refusal(outcome, connection.peer.pid);
     }
-    if (&out == &fresh_) {
-        if (!flush(connection, fresh_)) {
-            fresh_.clear();
-            return false;
-        }
-        if (!fresh_.empty()) {
-            std::swap(fresh_, connection.queue);
-        }
-    }
     if (connection.queue.bytes() > limits_.own + limits_.excess) {
         log::warning("process {} does not take its answers and is dropped", connection.peer.pid);
         return false;
     }
     return !outcome.hang_up && connection.peer.own_user;
+}
+
+// Sends the answers of this turn; those that the client does not take wait in its queue.
+bool Server::deliver(Connection &connection)
+{
+    const bool open = flush(connection, fresh_);
+    if (!open) {
+        fresh_.clear();
+    } else if (!fresh_.empty()) {
+        std::swap(fresh_, connection.queue);
+    }
+    return open;
 }
 
 bool Server::flush_all(Connection &connection)
@@ -295,17 +329,7 @@ bool Server::flush_all(Connection &connection)
 bool Server::flush(Connection &connection, Outbox &out)
 {
     while (!out.empty()) {
-        Bytes datagrams[SENDS_PER_CALL];
-        iovec parts[SENDS_PER_CALL];
-        mmsghdr messages[SENDS_PER_CALL]{};
-        const size_t count = out.front(datagrams);
-        for (size_t i = 0; i < count; ++i) {
-            parts[i] = {const_cast<uint8_t *>(datagrams[i].data()), datagrams[i].size()};
-            messages[i].msg_hdr.msg_iov = &parts[i];
-            messages[i].msg_hdr.msg_iovlen = 1;
-        }
-        const int sent = sendmmsg(connection.fd, messages, static_cast<unsigned>(count),
-                                  MSG_DONTWAIT | MSG_NOSIGNAL);
+        const int sent = send_front(connection.fd, out);
         if (sent > 0) {
             out.drop(static_cast<size_t>(sent));
         } else if (errno == EAGAIN) {

@@ -61,7 +61,11 @@ private:
     void account(Connection &connection);
 
     // These return false when the connection is to be closed.
+    enum class Read : uint8_t { served, nothing, failed };
+
     bool read_some(Connection &connection);
+    Read read_one(Connection &connection);
+    bool deliver(Connection &connection);
     bool serve(Connection &connection, Bytes datagram);
     bool flush(Connection &connection, Outbox &out);
     bool flush_all(Connection &connection);
