@@ -31,12 +31,15 @@
     X(NO_RULE, 0x42300121, "the table does not have this rule")                                    \
     X(BAD_MATCH, 0x42300122, "the match is malformed")                                             \
     X(NO_GROUP, 0x42300123, "the instance does not have this group")                               \
+    /* configuration */                                                                            \
+    X(NOT_STORED, 0x42300140, "the configuration cannot be stored; nothing was changed")           \
+    /* queries */                                                                                  \
     X(NO_NEXT, 0x42300130, "there is no further entry")                                            \
     X(NOT_PRESENT, 0x42300131, "this switch has nothing of this kind")                             \
     /* applications */                                                                             \
-    X(NO_APPLICATION, 0x42300140, "no application is registered under this id")                    \
-    X(BAD_APPLICATION, 0x42300141, "an application id is 1 to 11")                                 \
-    X(BAD_EVENT, 0x42300142, "an event type is 1 to 63")
+    X(NO_APPLICATION, 0x42300150, "no application is registered under this id")                    \
+    X(BAD_APPLICATION, 0x42300151, "an application id is 1 to 11")                                 \
+    X(BAD_EVENT, 0x42300152, "an event type is 1 to 63")
 
 namespace agent {
 

@@ -292,7 +292,8 @@ bool Server::serve(Connection &connection, Bytes datagram)
     } else if (datagram.size() > DATAGRAM_MAX) {
         outcome = refuse(datagram, TOO_LONG, out, model_);
     } else {
-        outcome = answer(datagram, out, model_, {connection.number, connection.peer.pid});
+        outcome =
+            answer_and_commit(datagram, out, model_, {connection.number, connection.peer.pid});
     }
     if (outcome.code != 0) {
         log_refusal(outcome, connection.peer.pid);
