@@ -32,7 +32,7 @@ TEST(Dispatch, RefusesCodesThatNoMessageHas)
     Model model;
     for (const uint32_t code :
          {0u, 13u, 62u, 63u, 64u, 0x10000000u, 0x10000002u, 0x1000002eu, 0x10000040u, 0x30000001u,
-          0x50000002u, 0x5000000cu, 0x60000001u, 0xf0000001u, 0xffffffffu}) {
+          0x50000002u, 0x5000000cu, 0x60000002u, 0xf0000001u, 0xffffffffu}) {
         EXPECT_EQ(ask_one(model, head(code)), result(UNKNOWN_MESSAGE)) << std::hex << code;
     }
     EXPECT_EQ(ask_one(model, result(0)), result(UNKNOWN_MESSAGE)); // a reply is no request

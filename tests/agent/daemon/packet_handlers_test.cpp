@@ -77,7 +77,7 @@ TEST_F(Packets, EnterAClientsTableUnlessToldOtherwise)
     ask(model, join({head(0x50000007), tlv(124, hex("1001 0000 00000000")),
                      tlv(69, hex("0a000000 00000002"))})); // the client's instance gets table 10
     const auto table = [&](uint8_t id) {
-        return to_hex(ask_one(model, packet(FROM_PORT_1, 0, CLIENT, id))).substr(52, 2);
+        return to_hex(ask_one(model, packet(FROM_PORT_1, 0, CLIENT, id))).substr(60, 2);
     };
     EXPECT_EQ(table(255), "c8");
     EXPECT_EQ(table(200), "c8");
