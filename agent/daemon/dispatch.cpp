@@ -13,7 +13,7 @@ namespace {
 // Who writes the answer to a request that was carried out.
 enum class Answer : uint8_t {
     handler, // the handler; a message without an answer has nothing written
-    result,  // a result reply with code 0
+    result,  // a result reply with code 0, once what it configured is stored
 };
 
 struct Route {
@@ -86,6 +86,12 @@ constexpr auto ENTRIES = [] {
 
 const Entry &entry_of(uint32_t message) { return ENTRIES[slot_of(message)]; }
 
+bool configures(uint32_t message)
+{
+    const Route *const route = entry_of(message).route;
+    return route && route->answer == Answer::result;
+}
+
 bool is_request(uint32_t message) { return message >> 28 != OFP_MSG_RESULT >> 28; }
 
 uint32_t carry_out(const Request &request, Outbox &out, Model &model)
@@ -114,7 +120,7 @@ Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcep
 {
     Request request;
     const bool readable = read_request(datagram, request) == 0;
-    Outcome outcome{readable ? request.code : 0, code, false};
+    Outcome outcome{.message = readable ? request.code : 0, .code = code};
     ++model.counters.refused;
     const size_t before = out.bytes();
     try {
@@ -137,13 +143,25 @@ Outcome answer(Bytes datagram, Outbox &out, Model &model) noexcept
     } catch (const std::bad_alloc &) {
         out.rollback(before);
         ++model.counters.refused;
-        return {request.code, OFP_RC_NO_RESOURCE, true};
+        return {.message = request.code, .code = OFP_RC_NO_RESOURCE, .hang_up = true};
     }
     if (code == 0) {
-        return {request.code, 0, false};
+        return {.message = request.code,
+                .awaits_commit = configures(request.code) && model.configuration().is_staged()};
     }
     out.rollback(before);
     return refuse(datagram, code, out, model);
+}
+
+Outcome answer_and_commit(Bytes datagram, Outbox &out, Model &model) noexcept
+{
+    const size_t before = out.bytes();
+    const Outcome outcome = answer(datagram, out, model);
+    if (!outcome.awaits_commit || model.configuration().commit()) {
+        return outcome;
+    }
+    out.rollback(before);
+    return refuse(datagram, NOT_STORED, out, model);
 }
 
 const char *message_name(uint32_t code)

@@ -32,6 +32,9 @@
     X(BAD_MATCH, 0x42300122, "the match is malformed")                                             \
     X(NO_GROUP, 0x42300123, "the instance does not have this group")                               \
     X(BAD_PACKET, 0x42300124, "the packet's fields are malformed, or one of them has a mask")      \
+    /* configuration */                                                                            \
+    X(NOT_STORED, 0x42300140, "the configuration cannot be stored; nothing was changed")           \
+    /* queries */                                                                                  \
     X(NO_NEXT, 0x42300130, "there is no further entry")                                            \
     X(NOT_PRESENT, 0x42300131, "this switch has nothing of this kind")
 

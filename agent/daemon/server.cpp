@@ -221,7 +221,7 @@ bool Server::serve(Connection &connection, Bytes datagram)
     } else if (datagram.size() > DATAGRAM_MAX) {
         outcome = refuse(datagram, TOO_LONG, out, model_);
     } else {
-        outcome = answer(datagram, out, model_);
+        outcome = answer_and_commit(datagram, out, model_);
     }
     if (outcome.code != 0) {
         log_refusal(outcome, connection.peer.pid);
