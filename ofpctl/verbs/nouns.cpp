@@ -41,6 +41,7 @@ std::span<const Noun> nouns()
         {"flow", "Flow rules.", flow_verbs},
         {"group", "Groups of output ports.", group_verbs},
         {"table", "Flow tables.", table_verbs},
+        {"packet", "What the switch does with a packet.", packet_verbs},
         {"completion", "Completion scripts for shells.", completion_verbs},
     };
     return all;

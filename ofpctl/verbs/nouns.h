@@ -13,6 +13,7 @@ extern const std::span<const Verb> completion_verbs;
 extern const std::span<const Verb> flow_verbs;
 extern const std::span<const Verb> group_verbs;
 extern const std::span<const Verb> instance_verbs;
+extern const std::span<const Verb> packet_verbs;
 extern const std::span<const Verb> smooth_verbs;
 extern const std::span<const Verb> table_verbs;
 
