@@ -79,10 +79,11 @@ private:
         if (row == nullptr) {
             SettingRows known = settings;
             known.insert(known.end(), also_.begin(), also_.end());
-            wrong(entry.node,
-                  fmt::format(
-                      "{}: {}", entry.name,
-                      unknown_setting(&settings == &settings_ ? known : settings, entry.name)));
+            errors.push_back(
+                {entry.line, entry.column,
+                 fmt::format(
+                     "{}: {}", entry.name,
+                     unknown_setting(&settings == &settings_ ? known : settings, entry.name))});
         }
         return row;
     }

@@ -269,6 +269,8 @@ void apply_instance(Context &context)
         return;
     difference.changes.refresh = [&] { present.record.read(plan.id); };
     difference.changes.terse = true;
+    if (context.arguments.given("dry-run") && !context.out.json())
+        context.out.line("");
     perform(context, difference.changes);
 }
 
