@@ -15,7 +15,7 @@ enum class Form : uint8_t {
     word,        // one of choices
     text,        // at most so many bytes
     vlans,       // 1-10,20 or none
-    vlan_filter, // ID[/MASK][,loose]
+    vlan_filter, // ID[/MASK][,loose], FIRST-LAST[,loose] or none
     tables,      // ID[:KIND],...
     address,     // IPv4 or IPv6
     ids,         // 1,3 or none: bits of a number

@@ -67,16 +67,31 @@ uint32_t set_tables(uint16_t instance, const Value &value)
     return OFP_set_FlowTable(instance, static_cast<uint32_t>(tables.size()), tables.data());
 }
 
-constexpr uint16_t vlan_filter_kind = 1; // a VLAN id and a mask
+// Kinds of an instance filter that select VLANs.
+constexpr uint16_t no_filter = 0;
+constexpr uint16_t masked_filter = 1; // an id and a mask
+constexpr uint16_t range_filter = 4;  // from one to another
+
+uint16_t filter_kind(VlanFilter::Kind kind)
+{
+    switch (kind) {
+    case VlanFilter::Kind::masked:
+        return masked_filter;
+    case VlanFilter::Kind::range:
+        return range_filter;
+    default:
+        return no_filter;
+    }
+}
 
 uint32_t set_vlan(uint16_t instance, const Value &value)
 {
     const auto &vlan = std::get<VlanFilter>(value);
     OfpInstFilter filter{};
     filter.instance_id = instance;
-    filter.filter_kind = vlan_filter_kind;
-    filter.param_a = vlan.vlan;
-    filter.param_b = vlan.mask;
+    filter.filter_kind = filter_kind(vlan.kind);
+    filter.param_a = vlan.a;
+    filter.param_b = vlan.b;
     return OFP_set_VlanList(&filter, vlan.loose ? 1 : 0);
 }
 
@@ -142,10 +157,17 @@ Value running_tables(const InstanceRecord &record)
 template <class Block>
 Value vlan_of(const Block &block)
 {
-    if (block.filter.filter_kind != vlan_filter_kind)
+    const bool loose = record_in<OfpVlanLoosen>(block.vlan_loosen).enable != 0;
+    switch (block.filter.filter_kind) {
+    case masked_filter:
+        return VlanFilter{VlanFilter::Kind::masked, block.filter.param_a, block.filter.param_b,
+                          loose};
+    case range_filter:
+        return VlanFilter{VlanFilter::Kind::range, block.filter.param_a, block.filter.param_b,
+                          loose};
+    default:
         return VlanFilter{};
-    const auto loosen = record_in<OfpVlanLoosen>(block.vlan_loosen);
-    return VlanFilter{block.filter.param_a, block.filter.param_b, loosen.enable != 0};
+    }
 }
 
 Value configured_vlan(const InstanceRecord &record) { return vlan_of(record.configured()); }
@@ -162,7 +184,8 @@ constexpr Choice miss_modes[] = {{"drop", 0}, {"permit", 1}};
 
 constexpr InstanceOption options[] = {
     {{"description", Form::text, "TEXT", "what it is for", 0, 255}, set_description, description},
-    {{"datapath-id", Form::hex, "ID", "the datapath id that controllers see", 1, UINT64_MAX},
+    {{"datapath-id", Form::hex, "ID", "the datapath id that controllers see, 0 for the default", 0,
+      UINT64_MAX},
      set_record<OFP_set_DataPathID, &OfpDataPathID::datapath_id>,
      configured<&Configured::datapath_id, &OfpDataPathID::datapath_id>,
      running<&Running::datapath_id, &OfpDataPathID::datapath_id>},
@@ -224,7 +247,8 @@ constexpr InstanceOption options[] = {
      configured<&Configured::flow_monitor_threshold, &OfpFlowMonitorThreShold::threshold>,
      running<&Running::flow_monitor_threshold, &OfpFlowMonitorThreShold::threshold>},
 
-    {{"vlan", Form::vlan_filter, "ID[/MASK][,loose]", "the VLANs it serves"},
+    {{"vlan", Form::vlan_filter, "ID[/MASK][,loose]",
+      "the VLANs it serves; also FIRST-LAST[,loose] or none"},
      set_vlan,
      configured_vlan,
      running_vlan,

@@ -44,14 +44,14 @@ constexpr Choice roles[] = {{"none", 0}, {"equal", 1}, {"master", 2}, {"slave", 
 
 constexpr SettingRow address_row{"address", Form::address, "ADDRESS", "IPv4 or IPv6 address"};
 constexpr SettingRow port_row{"port", Form::number, "PORT", "TCP port", 1, UINT16_MAX};
+constexpr SettingRow role_row{"role", Form::word, "", "role that it is to have", 0, 0, roles};
 constexpr SettingRow vrf_row{"vrf", Form::text, "NAME", "VRF of the connection", 0, 31};
 
 constexpr RecordOption<OfpCtrlCfg> controller[] = {
     {address_row, put_address<OfpCtrlCfg>},
     {port_row, put_number<&OfpCtrlCfg::port>},
     {vrf_row, put_text<&OfpCtrlCfg::text_29>},
-    {{"role", Form::word, "", "role that it is to have", 0, 0, roles},
-     put_number<&OfpCtrlCfg::value_u32_20>},
+    {role_row, put_number<&OfpCtrlCfg::value_u32_20>},
     {{"tls-policy", Form::text, "NAME", "TLS policy; plain TCP without one", 0, 31},
      put_text<&OfpCtrlCfg::text_61>},
 };
@@ -130,6 +130,15 @@ bool same_controller(const OfpCtrlCfg &controller, const OfpCtrlSummary &reporte
            std::strncmp(controller.text_29, reported.text_29, sizeof reported.text_29) == 0 &&
            std::strncmp(controller.text_61, reported.text_61, sizeof reported.text_61) == 0;
 }
+
+std::string address_text(uint16_t type, const uint32_t (&address)[4])
+{
+    Address copy{type, {}};
+    std::memcpy(copy.bytes.data(), address, copy.bytes.size());
+    return format_value(address_row, copy);
+}
+
+std::string role_text(uint32_t role) { return format_value(role_row, uint64_t{role}); }
 
 SettingRows controller_settings() { return rows_of(controller_options()); }
 SettingRows auxiliary_settings() { return rows_of(auxiliary_options()); }

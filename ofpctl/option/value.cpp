@@ -61,28 +61,51 @@ Parsed parse_text(const SettingRow &row, std::string_view text)
     return Value(std::string(text));
 }
 
-// ID[/MASK][,loose]
+bool scan_vlan(std::string_view text, uint16_t &vlan)
+{
+    uint64_t number = 0;
+    const bool good = scan_number(text, last_vlan, number) && number != 0;
+    vlan = static_cast<uint16_t>(number);
+    return good;
+}
+
+Parsed parse_masked(std::string_view text, VlanFilter filter)
+{
+    const std::size_t slash = text.find('/');
+    uint64_t mask = whole_mask;
+    if (slash != text.npos && !scan_number(text.substr(slash + 1), whole_mask, mask))
+        return BadValue{fmt::format("\"{}\" is no mask from 0 to 0xfff", text.substr(slash + 1))};
+    if (!scan_vlan(text.substr(0, slash), filter.a))
+        return BadValue{
+            fmt::format("\"{}\" is no VLAN from 1 to {}", text.substr(0, slash), last_vlan)};
+    filter.b = static_cast<uint16_t>(mask);
+    return Value(filter);
+}
+
+Parsed parse_vlan_range(std::string_view text, VlanFilter filter)
+{
+    const std::size_t dash = text.find('-');
+    filter.kind = VlanFilter::Kind::range;
+    if (!scan_vlan(text.substr(0, dash), filter.a) || !scan_vlan(text.substr(dash + 1), filter.b) ||
+        filter.a > filter.b)
+        return BadValue{fmt::format("\"{}\" is no range of VLANs from 1 to {}", text, last_vlan)};
+    return Value(filter);
+}
+
+// ID[/MASK], FIRST-LAST or none, and whether loosely.
 Parsed parse_filter(std::string_view text)
 {
-    VlanFilter filter{0, whole_mask, false};
-    std::string_view rest = text;
-    if (const std::size_t comma = rest.find(','); comma != rest.npos) {
-        if (rest.substr(comma + 1) != "loose")
-            return BadValue{fmt::format("\"{}\" is not loose", rest.substr(comma + 1))};
+    VlanFilter filter{VlanFilter::Kind::masked, 0, whole_mask, false};
+    if (text == "none")
+        return Value(VlanFilter{});
+    if (const std::size_t comma = text.find(','); comma != text.npos) {
+        if (text.substr(comma + 1) != "loose")
+            return BadValue{fmt::format("\"{}\" is not loose", text.substr(comma + 1))};
         filter.loose = true;
-        rest = rest.substr(0, comma);
+        text = text.substr(0, comma);
     }
-    uint64_t vlan = 0;
-    uint64_t mask = whole_mask;
-    const std::size_t slash = rest.find('/');
-    if (slash != rest.npos && !scan_number(rest.substr(slash + 1), whole_mask, mask))
-        return BadValue{fmt::format("\"{}\" is no mask from 0 to 0xfff", rest.substr(slash + 1))};
-    if (!scan_number(rest.substr(0, slash), last_vlan, vlan) || vlan == 0)
-        return BadValue{
-            fmt::format("\"{}\" is no VLAN from 1 to {}", rest.substr(0, slash), last_vlan)};
-    filter.vlan = static_cast<uint16_t>(vlan);
-    filter.mask = static_cast<uint16_t>(mask);
-    return Value(filter);
+    return text.find('-') == text.npos ? parse_masked(text, filter)
+                                       : parse_vlan_range(text, filter);
 }
 
 bool scan_table(std::string_view text, TableKind &table)
@@ -197,9 +220,13 @@ std::string format_address(const Address &address)
 
 std::string format_filter(const VlanFilter &filter)
 {
-    std::string out = fmt::format("{}", filter.vlan);
-    if (filter.mask != whole_mask)
-        out += fmt::format("/0x{:x}", filter.mask);
+    if (filter.kind == VlanFilter::Kind::none)
+        return "none";
+    std::string out = fmt::format("{}", filter.a);
+    if (filter.kind == VlanFilter::Kind::range)
+        out += fmt::format("-{}", filter.b);
+    else if ((filter.b & whole_mask) != whole_mask)
+        out += fmt::format("/0x{:x}", filter.b);
     return filter.loose ? out + ",loose" : out;
 }
 

@@ -22,9 +22,13 @@ struct TableKind {
     bool operator==(const TableKind &) const = default;
 };
 
+// Which VLANs an instance serves.
 struct VlanFilter {
-    uint16_t vlan;
-    uint16_t mask;
+    enum class Kind : uint8_t { none, masked, range };
+
+    Kind kind;
+    uint16_t a; // masked: the id; range: the first one
+    uint16_t b; // masked: the mask; range: the last one
     bool loose;
 
     bool operator==(const VlanFilter &) const = default;

@@ -9,7 +9,9 @@
 #include "option/assignment.h"
 #include "option/record_option.h"
 #include "verbs/change.h"
+#include "verbs/controller_verbs.h"
 #include "verbs/nouns.h"
+#include "verbs/watch.h"
 
 namespace ofpctl {
 
@@ -119,6 +121,14 @@ constexpr OptionRow options[] = {
     dry_run_option,
 };
 
+constexpr OptionRow show_options[] = {watch_option, rounds_option};
+
+constexpr Example list_examples[] = {
+    {"ofpctl controller list 1", "The controllers of instance 1"},
+};
+constexpr Example show_examples[] = {
+    {"ofpctl controller show 1 0", "Controller 0, its auxiliary connections and its counters"},
+};
 constexpr Example set_examples[] = {
     {"ofpctl controller set 1 0 address=192.0.2.1 port=6653 role=master",
      "Controller 0 of instance 1"},
@@ -141,6 +151,20 @@ constexpr Verb rows[] = {
      .options = options,
      .examples = set_examples,
      .settings = controller_settings},
+    {.name = "list",
+     .run = list_controllers,
+     .help = "Lists the controllers of an instance and whether they are connected.",
+     .operands = {"INSTANCE", Kind::number, 1, 1, 1, UINT16_MAX},
+     .options = show_options,
+     .examples = list_examples},
+    {.name = "show",
+     .run = show_controller,
+     .help = "Shows a controller with its auxiliary connections and counters.",
+     .details = "The counters go by the names of the record's members: their meaning is the "
+                "agent's.",
+     .operands = {"INSTANCE CONTROLLER", Kind::text, 2, 2},
+     .options = show_options,
+     .examples = show_examples},
     {.name = "del",
      .run = delete_controller,
      .help = "Deletes a controller of an instance, or an auxiliary connection to it.",

@@ -7,6 +7,7 @@
 #include "verbs/change.h"
 #include "verbs/global.h"
 #include "verbs/nouns.h"
+#include "verbs/watch.h"
 
 namespace ofpctl {
 
@@ -35,7 +36,7 @@ void set_global(Context &context)
     perform(context, changes);
 }
 
-void show_global(Context &context)
+void print_global(Context &context)
 {
     require_agent();
     GlobalRecord record;
@@ -52,6 +53,9 @@ void show_global(Context &context)
     }
 }
 
+void show_global(Context &context) { watch(context, print_global); }
+
+constexpr OptionRow show_options[] = {watch_option, rounds_option};
 constexpr OptionRow set_options[] = {dry_run_option, verify_option};
 
 constexpr Example set_examples[] = {
@@ -75,6 +79,7 @@ constexpr Verb rows[] = {
     {.name = "show",
      .run = show_global,
      .help = "Shows the options of the whole switch that the agent reports.",
+     .options = show_options,
      .examples = show_examples},
 };
 

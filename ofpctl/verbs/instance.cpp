@@ -11,6 +11,7 @@
 #include "option/instance_option.h"
 #include "verbs/change.h"
 #include "verbs/nouns.h"
+#include "verbs/watch.h"
 
 namespace ofpctl {
 
@@ -137,7 +138,7 @@ void print_instance(Output &out, uint16_t id)
     out.settle();
 }
 
-void list_instances(Context &context)
+void print_instances(Context &context)
 {
     require_agent();
     Output &out = context.out;
@@ -149,10 +150,15 @@ void list_instances(Context &context)
         check_interrupt();
         print_instance(out, *id);
     }
+    if (out.json())
+        out.document().end();
 }
+
+void list_instances(Context &context) { watch(context, print_instances); }
 
 constexpr Operands one_id{"ID", Kind::number, 1, 1, 1, UINT16_MAX};
 constexpr OptionRow action_options[] = {dry_run_option};
+constexpr OptionRow show_options[] = {watch_option, rounds_option};
 constexpr OptionRow set_options[] = {dry_run_option, verify_option};
 
 constexpr Example add_examples[] = {
@@ -217,10 +223,12 @@ constexpr Verb rows[] = {
      .run = show_instance,
      .help = "Shows what is configured of an instance and how it runs.",
      .operands = one_id,
+     .options = show_options,
      .examples = show_examples},
     {.name = "list",
      .run = list_instances,
      .help = "Lists the instances.",
+     .options = show_options,
      .examples = list_examples},
     {.name = "activate",
      .run = activate_instance,

@@ -9,6 +9,7 @@
 #include "frame/agent_link.h"
 #include "option/record_option.h"
 #include "verbs/instance.h"
+#include "verbs/watch.h"
 
 namespace ofpctl {
 
@@ -23,9 +24,7 @@ std::string terminated(const char *text, std::size_t room) { return {text, strnl
 
 std::string address_of(const OfpCtrlSummary &controller)
 {
-    Address address{controller.address_type, {}};
-    std::memcpy(address.bytes.data(), controller.address, address.bytes.size());
-    return format_value({.name = "address", .form = Form::address}, address);
+    return address_text(controller.address_type, controller.address);
 }
 
 // ---- Text
@@ -142,9 +141,7 @@ void print_json(JsonWriter &json, uint16_t id, const InstanceRecord &record)
     write_ports(json, "running_ports", record.running_interfaces());
 }
 
-} // namespace
-
-void show_instance(Context &context)
+void print_instance(Context &context)
 {
     const uint16_t id = instance_operand(context);
     require_agent();
@@ -155,5 +152,9 @@ void show_instance(Context &context)
     else
         print_text(context.out, id, record);
 }
+
+} // namespace
+
+void show_instance(Context &context) { watch(context, print_instance); }
 
 } // namespace ofpctl

@@ -45,7 +45,11 @@ std::span<const Noun> nouns()
         {"smooth", "Smooth periods: at their end the rules not programmed again go.", smooth_verbs},
         {"flow", "Flow rules.", flow_verbs},
         {"group", "Groups of output ports.", group_verbs},
+        {"meter", "Meters.", meter_verbs},
         {"table", "Flow tables.", table_verbs},
+        {"summary", "All instances at a glance.", summary_verbs},
+        {"resource", "Resources of the switch.", resource_verbs},
+        {"app", "Registered applications.", app_verbs},
         {"msg", "Datagrams.", msg_verbs},
         {"completion", "Completion scripts for shells.", completion_verbs},
     };

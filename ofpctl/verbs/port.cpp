@@ -1,13 +1,19 @@
+#include <map>
+#include <memory>
+#include <optional>
 #include <variant>
 
 #include <fmt/format.h>
 
+#include "daemon/result_codes.h"
+#include "frame/agent_link.h"
 #include "frame/context.h"
 #include "frame/failure.h"
 #include "ofp.h"
 #include "option/port_name.h"
 #include "verbs/change.h"
 #include "verbs/nouns.h"
+#include "verbs/watch.h"
 
 namespace ofpctl {
 
@@ -59,31 +65,70 @@ void start_port(Context &context)
                 [](uint32_t index) { return OFP_set_PortShutdown(OFP_MSG_START_PORT, index); });
 }
 
-void list_ports(Context &context)
+// By port, the instance it is bound to. An agent that does not run has none.
+std::map<uint32_t, uint32_t> bound_ports()
 {
+    std::map<uint32_t, uint32_t> bound;
+    if (OFP_util_IsDaemonStart() != 1)
+        return bound;
+    require_agent();
+    OfpLink head{};
+    OFP_get_InitMeterBandList(&head);
+    const auto finish = [](OfpLink *list) { OFP_get_FiniMeterBandList(list); };
+    const std::unique_ptr<OfpLink, decltype(finish)> owner(&head, finish);
+    const uint32_t code = OFP_get_AcPortInfo(&head);
+    if (code != agent::NOT_SUPPORTED)
+        require_success(code, "ports");
+    for (const OfpLink *at = head.next; at != &head; at = at->next) {
+        const OfpAcPortInfo &port = reinterpret_cast<const OfpAcPortElement *>(at)->port;
+        bound[port.if_index] = port.value_u32_60;
+    }
+    return bound;
+}
+
+void print_port(Output &out, const HostInterface &port, std::optional<uint32_t> instance)
+{
+    if (!out.json()) {
+        out.line(fmt::format("{:>8}  {:<24} {:>4} {:>4}  {:<4}  {}", port.index, port.name,
+                             port.type, port.node, port.up != 0 ? "up" : "down",
+                             instance ? fmt::format("{}", *instance) : "-"));
+        return;
+    }
+    JsonWriter &json = out.document();
+    json.begin_object();
+    json.number("if_index", port.index);
+    json.text("name", port.name);
+    json.number("type", port.type);
+    json.number("node", port.node);
+    json.flag("link_up", port.up != 0);
+    if (instance)
+        json.number("instance", *instance);
+    else
+        json.null("instance");
+    json.end();
+    out.settle();
+}
+
+void print_ports(Context &context)
+{
+    const std::map<uint32_t, uint32_t> bound = bound_ports();
     Output &out = context.out;
     if (out.json())
         out.document().begin_array("ports");
     else
-        out.line(
-            fmt::format("{:>8}  {:<24} {:>4} {:>4}  {}", "INDEX", "NAME", "TYPE", "NODE", "LINK"));
+        out.line(fmt::format("{:>8}  {:<24} {:>4} {:>4}  {:<4}  {}", "INDEX", "NAME", "TYPE",
+                             "NODE", "LINK", "INSTANCE"));
     for (const HostInterface *port : openflow_ports()) {
-        if (!out.json()) {
-            out.line(fmt::format("{:>8}  {:<24} {:>4} {:>4}  {}", port->index, port->name,
-                                 port->type, port->node, port->up != 0 ? "up" : "down"));
-            continue;
-        }
-        out.document().begin_object();
-        out.document().number("if_index", port->index);
-        out.document().text("name", port->name);
-        out.document().number("type", port->type);
-        out.document().number("node", port->node);
-        out.document().flag("link_up", port->up != 0);
-        out.document().end();
-        out.settle();
+        const auto owner = bound.find(port->index);
+        print_port(out, *port, owner == bound.end() ? std::nullopt : std::optional(owner->second));
     }
+    if (out.json())
+        out.document().end();
 }
 
+void list_ports(Context &context) { watch(context, print_ports); }
+
+constexpr OptionRow list_options[] = {watch_option, rounds_option};
 constexpr OptionRow options[] = {dry_run_option};
 
 constexpr Example bind_examples[] = {
@@ -135,6 +180,8 @@ constexpr Verb rows[] = {
     {.name = "list",
      .run = list_ports,
      .help = "Lists the ports that OpenFlow may use, in the order of their names.",
+     .details = "Without an agent no port is bound to an instance.",
+     .options = list_options,
      .examples = list_examples},
 };
 

@@ -43,20 +43,6 @@ uint64_t number_at(const uint8_t *at)
     return number;
 }
 
-uint64_t host_number(const uint8_t *at, std::size_t width)
-{
-    switch (width) {
-    case 1:
-        return *at;
-    case 2:
-        return number_at<uint16_t>(at);
-    case 4:
-        return number_at<uint32_t>(at);
-    default:
-        return number_at<uint64_t>(at);
-    }
-}
-
 std::string terminated(const uint8_t *at, std::size_t room)
 {
     const std::string text(reinterpret_cast<const char *>(at), room);
@@ -88,26 +74,16 @@ std::string address_text(const uint8_t *at)
 }
 
 // record: the value in host order.
-DecodedField decode_field(const FieldRow &row, const uint8_t *record, std::size_t value_offset)
+DecodedField decode_member(const FieldRow &row, const uint8_t *record, std::size_t value_offset)
 {
+    const uint8_t *at = record + row.offset;
     DecodedField field{value_offset + row.offset,
                        std::size_t{row.width} * row.count,
                        std::string(row.name),
-                       {},
+                       member_text(row, at),
                        {}};
-    const uint8_t *at = record + row.offset;
-    if (row.shape == Shape::text) {
-        field.value = fmt::format("\"{}\"", terminated(at, row.count));
-    } else if (row.shape == Shape::number && row.count == 1) {
-        field.number = host_number(at, row.width);
-        field.value = named_number(row.type, *field.number);
-    } else if (row.shape == Shape::number && row.name == "address") {
-        field.value = address_text(at);
-    } else if (row.shape == Shape::number) {
-        for (std::size_t i = 0; i < row.count; i++)
-            field.value +=
-                fmt::format("{}{}", i == 0 ? "" : " ", host_number(at + i * row.width, row.width));
-    }
+    if (row.shape == Shape::number && row.count == 1)
+        field.number = member_number(at, row.width);
     return field;
 }
 
@@ -118,7 +94,7 @@ std::vector<DecodedField> decode_record(uint32_t type, std::span<const FieldRow>
     OFP_bswap_ByteSwap(type, record.data());
     std::vector<DecodedField> fields;
     for (const FieldRow &row : rows)
-        fields.push_back(decode_field(row, record.data(), offset));
+        fields.push_back(decode_member(row, record.data(), offset));
     return fields;
 }
 
@@ -190,6 +166,37 @@ bool counts_header(const DecodedDatagram &datagram, uint16_t type)
 }
 
 } // namespace
+
+uint64_t member_number(const uint8_t *at, std::size_t width)
+{
+    switch (width) {
+    case 1:
+        return *at;
+    case 2:
+        return number_at<uint16_t>(at);
+    case 4:
+        return number_at<uint32_t>(at);
+    default:
+        return number_at<uint64_t>(at);
+    }
+}
+
+std::string member_text(const FieldRow &row, const uint8_t *at)
+{
+    if (row.shape == Shape::bytes)
+        return {};
+    if (row.shape == Shape::text)
+        return fmt::format("\"{}\"", terminated(at, row.count));
+    if (row.name == "address" && row.count > 1)
+        return address_text(at);
+    if (row.count == 1)
+        return named_number(row.type, member_number(at, row.width));
+    std::string text;
+    for (std::size_t i = 0; i < row.count; i++)
+        text +=
+            fmt::format("{}{}", i == 0 ? "" : " ", member_number(at + i * row.width, row.width));
+    return text;
+}
 
 DecodedDatagram decode_datagram(Bytes datagram)
 {

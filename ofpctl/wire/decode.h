@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "wire/record_fields.h"
+
 namespace ofpctl {
 
 struct DecodedField {
@@ -34,6 +36,10 @@ struct DecodedDatagram {
 };
 
 DecodedDatagram decode_datagram(std::span<const uint8_t> datagram);
+
+// A member of a record in host order: its number, and its value as text; none for plain bytes.
+uint64_t member_number(const uint8_t *at, std::size_t width);
+std::string member_text(const FieldRow &row, const uint8_t *at);
 
 } // namespace ofpctl
 

@@ -87,6 +87,11 @@ TEST(VlanFilterValue, IsAnIdWithMaskAndLooseness)
     EXPECT_EQ(round_trip(filter, "100"), "100");
     EXPECT_EQ(round_trip(filter, "100/0xfff"), "100") << "the whole mask is none";
     EXPECT_EQ(round_trip(filter, "96/0xff0,loose"), "96/0xff0,loose");
+    EXPECT_EQ(round_trip(filter, "100-199"), "100-199");
+    EXPECT_EQ(round_trip(filter, "7-7,loose"), "7-7,loose");
+    EXPECT_EQ(round_trip(filter, "none"), "none");
+    EXPECT_EQ(bad(filter, "9-7"), "\"9-7\" is no range of VLANs from 1 to 4094");
+    EXPECT_EQ(bad(filter, "1-4095"), "\"1-4095\" is no range of VLANs from 1 to 4094");
     EXPECT_EQ(bad(filter, "0"), "\"0\" is no VLAN from 1 to 4094");
     EXPECT_EQ(bad(filter, "4095"), "\"4095\" is no VLAN from 1 to 4094");
     EXPECT_EQ(bad(filter, "1/0x1000"), "\"0x1000\" is no mask from 0 to 0xfff");
