@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         const size_t announced = static_cast<size_t>(data[at] << 8 | data[at + 1]);
         at += 2;
         const size_t length = announced < size - at ? announced : size - at;
-        agent::answer({data + at, length}, out, model);
+        agent::answer_and_commit({data + at, length}, out, model);
         at += length;
     }
     return 0;

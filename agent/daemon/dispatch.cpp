@@ -12,7 +12,7 @@ namespace {
 // Who writes the answer to a request that was carried out.
 enum class Answer : uint8_t {
     handler, // the handler; a message without an answer has nothing written
-    result,  // a result reply with code 0
+    result,  // a result reply with code 0, once what it configured is stored
 };
 
 struct Route {
@@ -23,8 +23,71 @@ struct Route {
 
 constexpr Route ROUTES[] = {
     {OFP_MSG_ADD_INSTANCE, add_instance, Answer::result},
+    {OFP_MSG_SET_INSTANCE, set_instance, Answer::result},
+    {OFP_MSG_UNSET_INSTANCE, unset_instance, Answer::result},
+    {OFP_MSG_ACTIVATE_INST, activate_instance, Answer::result},
+    {OFP_MSG_DEACTIVATE_INST, deactivate_instance, Answer::result},
+    {OFP_MSG_SET_DESCRIPTION, set_description, Answer::result},
+    {OFP_MSG_SET_DATAPATH_ID, set_datapath_id, Answer::result},
+    {OFP_MSG_SET_PRECEDENCE, set_precedence, Answer::result},
+    {OFP_MSG_SET_FLOW_TABLE, set_flow_tables, Answer::result},
+    {OFP_MSG_SET_VLAN_LIST, set_vlan_list, Answer::result},
+    {OFP_MSG_SET_IN_MANAGE_VLAN, set_in_band_vlans, Answer::result},
     {OFP_MSG_GET_INSTANCE_EXIST, instance_exists},
     {OFP_MSG_GET_NEXT_INSTANCE, next_instance},
+
+    {OFP_MSG_SET_ECHO_TIME, set_option, Answer::result},
+    {OFP_MSG_SET_RECONNECT_TIME, set_option, Answer::result},
+    {OFP_MSG_SET_CONNECTION_MODE, set_option, Answer::result},
+    {OFP_MSG_SET_FAIL_OPEN, set_option, Answer::result},
+    {OFP_MSG_SET_TCP_DSCP, set_option, Answer::result},
+    {OFP_MSG_SET_TCP_NSR, set_option, Answer::result},
+    {OFP_MSG_SET_FLOW_ENTRY_LIMIT, set_option, Answer::result},
+    {OFP_MSG_SET_MISS_RULE, set_option, Answer::result},
+    {OFP_MSG_SET_FLOW_LOG_DISABLE, set_option, Answer::result},
+    {OFP_MSG_SET_PACKET_FILTER, set_option, Answer::result},
+    {OFP_MSG_SET_FLOW_MONITOR_INTERVAL, set_option, Answer::result},
+    {OFP_MSG_SET_FLOW_MONITOR_THRESHOLD, set_option, Answer::result},
+    {OFP_MSG_SET_QINQ_NET_ENABLE, set_option, Answer::result},
+    {OFP_MSG_SET_MAC_LEARNING, set_option, Answer::result},
+    {OFP_MSG_SET_DYN_MAC, set_option, Answer::result},
+    {OFP_MSG_SET_FORBIDDEN_PORT, set_option, Answer::result},
+    {OFP_MSG_SET_PERMIT_PORT_TYPE, set_option, Answer::result},
+    {OFP_MSG_SET_LOOP_PROTECT, set_option, Answer::result},
+    {OFP_MSG_SET_DATA_PLANE_MODE, set_option, Answer::result},
+    {OFP_MSG_SET_TTP_MODE, set_option, Answer::result},
+    {OFP_MSG_SET_SMART_GROUP, set_option, Answer::result},
+    {OFP_MSG_SET_TRAP_ENABLE, set_option, Answer::result},
+
+    {OFP_MSG_SET_CTRL_CFG, set_controller, Answer::result},
+    {OFP_MSG_UNSET_CTRL_CFG, unset_controller, Answer::result},
+    {OFP_MSG_SET_AUX_CFG, set_auxiliary, Answer::result},
+    {OFP_MSG_UNSET_AUX_CFG, unset_auxiliary, Answer::result},
+    {OFP_MSG_SET_CTRL_SSL, set_tls_policy, Answer::result},
+    {OFP_MSG_UNSET_CTRL_SSL, unset_tls_policy, Answer::result},
+    {OFP_MSG_SET_EXCLUDE_CTRL_ID, set_excluded_controllers, Answer::result},
+    {OFP_MSG_RESET_CTRL_STAT, reset_controller_counters},
+
+    {OFP_MSG_BIND_PORT, bind_port, Answer::result},
+    {OFP_MSG_UNBIND_PORT, unbind_port, Answer::result},
+    {OFP_MSG_SHUTDOWN_PORT, shut_down_port, Answer::result},
+    {OFP_MSG_START_PORT, start_port, Answer::result},
+
+    {OFP_MSG_SET_IGNORE, set_ignore, Answer::result},
+    {OFP_MSG_SET_IPV6_ENHANCED, set_ipv6_enhanced, Answer::result},
+    {OFP_MSG_SET_RESV_ACL_RES, set_reserved_acl_resources, Answer::result},
+    {OFP_MSG_REFRESH_IP_FLOW, refresh_ip_flow, Answer::result},
+    {OFP_MSG_SET_NORMAL_FORWARD_VLAN, set_normal_forward_vlans, Answer::result},
+    {OFP_MSG_SET_OAP_SERVER, set_oap_server, Answer::result},
+    {OFP_MSG_UNSET_OAP_SERVER, unset_oap_server, Answer::result},
+    {OFP_MSG_SET_FLOW_MONITOR_ACTION, set_flow_monitor_action, Answer::result},
+    {OFP_MSG_SET_GLB_DEBUG, set_debug, Answer::result},
+    {OFP_MSG_SET_TD_TEST_GLB_DEBUG, set_test_debug, Answer::result},
+    {OFP_MSG_SET_ENABLE_ALAL_FUNCTION, enable_analysis, Answer::result},
+    {OFP_MSG_SET_ENABLE_PAYLOAD_FUNCTION, enable_payload, Answer::result},
+    {OFP_MSG_PROC_ALAL_PKT_OUT, analysis_packet_out, Answer::result},
+    {OFP_MSG_PROC_CONFIG_EVENT, config_event, Answer::result},
+    {OFP_MSG_RESET_CACHE, reset_cache},
 
     {OFP_MSG_SMOOTH_START, smooth_start},
     {OFP_MSG_SMOOTH_END, smooth_end},
@@ -82,6 +145,12 @@ constexpr auto ENTRIES = [] {
 
 const Entry &entry_of(uint32_t message) { return ENTRIES[slot_of(message)]; }
 
+bool configures(uint32_t message)
+{
+    const Route *const route = entry_of(message).route;
+    return route && route->answer == Answer::result;
+}
+
 bool is_request(uint32_t message) { return message >> 28 != OFP_MSG_RESULT >> 28; }
 
 uint32_t carry_out(const Request &request, Outbox &out, Model &model)
@@ -110,7 +179,7 @@ Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcep
 {
     Request request;
     const bool readable = read_request(datagram, request) == 0;
-    Outcome outcome{readable ? request.code : 0, code, false};
+    Outcome outcome{.message = readable ? request.code : 0, .code = code};
     ++model.counters.refused;
     const size_t before = out.bytes();
     try {
@@ -133,13 +202,25 @@ Outcome answer(Bytes datagram, Outbox &out, Model &model) noexcept
     } catch (const std::bad_alloc &) {
         out.rollback(before);
         ++model.counters.refused;
-        return {request.code, OFP_RC_NO_RESOURCE, true};
+        return {.message = request.code, .code = OFP_RC_NO_RESOURCE, .hang_up = true};
     }
     if (code == 0) {
-        return {request.code, 0, false};
+        return {.message = request.code,
+                .awaits_commit = configures(request.code) && model.configuration().is_staged()};
     }
     out.rollback(before);
     return refuse(datagram, code, out, model);
+}
+
+Outcome answer_and_commit(Bytes datagram, Outbox &out, Model &model) noexcept
+{
+    const size_t before = out.bytes();
+    const Outcome outcome = answer(datagram, out, model);
+    if (!outcome.awaits_commit || model.configuration().commit()) {
+        return outcome;
+    }
+    out.rollback(before);
+    return refuse(datagram, NOT_STORED, out, model);
 }
 
 const char *message_name(uint32_t code)

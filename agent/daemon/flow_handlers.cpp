@@ -27,8 +27,7 @@ using Verdict = std::optional<openflow::Error>;
 // agent that was started again has lost the rules of earlier ones, and their owners must learn it.
 Verdict check_head(const OfpClientHead &head, const Model &model)
 {
-    const bool permitted = is_client(head.client_id) && head.smooth_id != NO_PERIOD &&
-                           model.instance(head.client_id) != nullptr;
+    const bool permitted = model.is_admitted(head.client_id) && head.smooth_id != NO_PERIOD;
     return permitted ? std::nullopt : Verdict(NOT_PERMITTED);
 }
 

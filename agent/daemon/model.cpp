@@ -23,18 +23,101 @@ bool same_filter(const OfpInstFilter &a, const OfpInstFilter &b)
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-uint32_t check_tables(uint16_t instance, const std::vector<OfpFlowTable> &tables)
+bool is_not_for(uint16_t instance, uint8_t table)
 {
-    for (const OfpFlowTable &table : tables) {
-        if (table.table_id == openflow::OFPTT_ALL ||
-            (is_client(instance) && table.table_id == CLIENT_TABLE)) {
-            return BAD_TABLE_ID;
-        }
-    }
-    return 0;
+    return table == openflow::OFPTT_ALL || (is_client(instance) && table == CLIENT_TABLE);
+}
+
+size_t client_index(uint16_t client) { return size_t{client} - FIRST_CLIENT; }
+
+// Deletes all rules of a client's table.
+void empty_table(Switch &flow_switch, uint16_t client, uint8_t table)
+{
+    const uint8_t message[] = {
+        openflow::OFP_VERSION,
+        openflow::OFPT_FLOW_MOD,
+        0,
+        56,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0, // cookie
+        0,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0, // of any cookie
+        table,
+        openflow::OFPFC_DELETE,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0,
+        0xff,
+        0xff,
+        0xff,
+        0xff, // no buffer
+        0xff,
+        0xff,
+        0xff,
+        0xff, // whatever its port
+        0xff,
+        0xff,
+        0xff,
+        0xff, // and its group
+        0,
+        0,
+        0,
+        0,
+        0,
+        openflow::OFPMT_OXM,
+        0,
+        4,
+        0,
+        0,
+        0,
+        0, // every match
+    };
+    flow_switch.flow_mod(client, message);
 }
 
 } // namespace
+
+uint32_t arrange_tables(uint16_t instance, std::vector<OfpFlowTable> &tables)
+{
+    for (const OfpFlowTable &table : tables) {
+        if (is_not_for(instance, table.table_id)) {
+            return BAD_TABLE_ID;
+        }
+    }
+    if (is_client(instance)) {
+        tables.push_back({.table_id = CLIENT_TABLE, .reserved_1 = {}, .kind = CLIENT_TABLE_KIND});
+    }
+    std::sort(tables.begin(), tables.end(), by_id);
+    return std::adjacent_find(tables.begin(), tables.end(), same_id) == tables.end()
+               ? 0
+               : DUPLICATE_TABLE;
+}
+
+Model::Model(const SwitchLimits &limits) : flow_switch_(limits)
+{
+    configuration_.add_observer(*this);
+}
+
+Model::~Model() { configuration_.remove_observer(*this); }
 
 uint32_t Model::add_instance(const OfpInstFilter &filter, std::vector<OfpFlowTable> tables)
 {
@@ -42,65 +125,57 @@ uint32_t Model::add_instance(const OfpInstFilter &filter, std::vector<OfpFlowTab
     if (id == 0 || id == UINT16_MAX) {
         return BAD_INSTANCE_ID;
     }
-    if (const uint32_t code = check_tables(id, tables)) {
+    if (const uint32_t code = arrange_tables(id, tables)) {
         return code;
     }
-    if (is_client(id)) {
-        tables.push_back({.table_id = CLIENT_TABLE, .reserved_1 = {}, .kind = CLIENT_TABLE_KIND});
-    }
-    std::sort(tables.begin(), tables.end(), by_id);
-    if (std::adjacent_find(tables.begin(), tables.end(), same_id) != tables.end()) {
-        return DUPLICATE_TABLE;
-    }
-    const auto known = instances_.find(id);
-    if (known != instances_.end() && known->second.declared) {
-        return same_layout(known->second.tables, tables) &&
-                       same_filter(known->second.filter, filter)
+    const InstanceConfig *const known = configuration_.staged(id);
+    if (known && known->declared) {
+        return same_layout(known->tables, tables) && same_filter(known->filter, filter)
                    ? 0
                    : INSTANCE_DIFFERS;
     }
-    instances_.insert_or_assign(id, Instance{filter, true, std::move(tables)});
+    InstanceConfig instance = known ? *known : new_instance(id);
+    instance.filter = filter;
+    instance.declared = true;
+    instance.tables = std::move(tables);
+    configuration_.stage(id, std::move(instance));
     return 0;
 }
 
 void Model::admit_client(uint16_t client)
 {
-    if (instances_.contains(client)) {
+    configuration_.admit_client(client);
+    admitted_.set(client_index(client));
+}
+
+bool Model::is_admitted(uint16_t client) const
+{
+    return is_client(client) && admitted_[client_index(client)];
+}
+
+// Rules go with their table.
+void Model::instance_changed(uint16_t id, const InstanceConfig *before,
+                             const InstanceConfig *after) noexcept
+{
+    if (!is_client(id) || !before) {
         return;
     }
-    Instance instance;
-    instance.filter.instance_id = client;
-    instance.tables.push_back(
-        {.table_id = CLIENT_TABLE, .reserved_1 = {}, .kind = CLIENT_TABLE_KIND});
-    instances_.emplace(client, std::move(instance));
-}
-
-const Instance *Model::instance(uint16_t id) const
-{
-    const auto found = instances_.find(id);
-    return found == instances_.end() ? nullptr : &found->second;
-}
-
-std::optional<uint16_t> Model::next_instance(uint16_t after) const
-{
-    const auto next = instances_.upper_bound(after);
-    return next == instances_.end() ? std::nullopt : std::optional(next->first);
+    for (const OfpFlowTable &table : before->tables) {
+        if (!after || !after->table(table.table_id)) {
+            empty_table(flow_switch_, id, table.table_id);
+        }
+    }
 }
 
 const OfpFlowTable *Model::table(uint16_t instance_id, uint8_t id) const
 {
-    const Instance *const found = instance(instance_id);
-    if (!found) {
-        return nullptr;
-    }
-    const auto at = std::find_if(found->tables.begin(), found->tables.end(),
-                                 [id](const OfpFlowTable &table) { return table.table_id == id; });
-    return at == found->tables.end() ? nullptr : &*at;
+    const InstanceConfig *const found = instance(instance_id);
+    return found ? found->table(id) : nullptr;
 }
 
 std::optional<uint8_t> Model::next_table(uint16_t instance_id, int after) const
 {
-    const Instance *const found = instance(instance_id);
+    const InstanceConfig *const found = instance(instance_id);
     if (!found) {
         return std::nullopt;
     }

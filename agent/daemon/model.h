@@ -1,32 +1,18 @@
-// What the agent knows: the instances with their tables, and the switch that holds rules and
-// groups. Nothing here knows of sockets or datagrams.
+// What the agent knows: the configuration, and the switch that holds rules and groups. Nothing here
+// knows of sockets or datagrams.
 #pragma once
 
+#include <bitset>
 #include <cstdint>
-#include <map>
 #include <optional>
-#include <span>
 #include <vector>
 
+#include "config/configuration.h"
 #include "daemon/result_codes.h"
 #include "ofp.h"
 #include "switch/switch.h"
 
 namespace agent {
-
-// Clients program rules; the rules of a client are those of the instance with its id.
-inline constexpr uint16_t FIRST_CLIENT = 4096;
-inline constexpr uint16_t LAST_CLIENT = 4099;
-inline constexpr uint8_t CLIENT_TABLE = 200;
-inline constexpr uint32_t CLIENT_TABLE_KIND = 2;
-
-constexpr bool is_client(uint16_t id) { return id >= FIRST_CLIENT && id <= LAST_CLIENT; }
-
-struct Instance {
-    OfpInstFilter filter{};
-    bool declared = false;            // by an instance message; else it came with its client
-    std::vector<OfpFlowTable> tables; // ascending by id
-};
 
 // What became of all datagrams so far.
 struct Counters {
@@ -36,19 +22,29 @@ struct Counters {
     uint64_t errors = 0;   // answered by an OpenFlow error
 };
 
-class Model {
+class Model : private ConfigurationObserver {
 public:
-    explicit Model(const SwitchLimits &limits = {}) : flow_switch_(limits) {}
+    explicit Model(const SwitchLimits &limits = {});
+    ~Model() override;
+    Model(const Model &) = delete;
+    Model &operator=(const Model &) = delete;
 
-    // Declares an instance with these tables in any order. 0, also when it is declared already with
-    // the same filter and tables; else a result code.
+    Configuration &configuration() { return configuration_; }
+    const Configuration &configuration() const { return configuration_; }
+
+    // Stages the declaration of an instance with these tables in any order. 0, also when it is
+    // declared already with the same filter and tables; else a result code.
     uint32_t add_instance(const OfpInstFilter &filter, std::vector<OfpFlowTable> tables);
 
     // A client is known, and its instance has its table, from its first smooth period on.
     void admit_client(uint16_t client);
+    bool is_admitted(uint16_t client) const;
 
-    const Instance *instance(uint16_t id) const;
-    std::optional<uint16_t> next_instance(uint16_t after) const;
+    const InstanceConfig *instance(uint16_t id) const { return configuration_.instance(id); }
+    std::optional<uint16_t> next_instance(uint16_t after) const
+    {
+        return configuration_.next_instance(after);
+    }
 
     const OfpFlowTable *table(uint16_t instance, uint8_t id) const;
     std::optional<uint8_t> next_table(uint16_t instance, int after) const; // -1 begins
@@ -59,8 +55,15 @@ public:
     Counters counters;
 
 private:
-    std::map<uint16_t, Instance> instances_;
+    void instance_changed(uint16_t id, const InstanceConfig *before,
+                          const InstanceConfig *after) noexcept override;
+
+    Configuration configuration_;
+    std::bitset<LAST_CLIENT - FIRST_CLIENT + 1> admitted_;
     Switch flow_switch_;
 };
+
+// 0, or why an instance cannot have these tables; they are put into order.
+uint32_t arrange_tables(uint16_t instance, std::vector<OfpFlowTable> &tables);
 
 } // namespace agent

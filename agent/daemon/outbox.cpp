@@ -60,6 +60,11 @@ void Outbox::end()
     std::memcpy(block_.data() + open_ - sizeof length, &length, sizeof length);
 }
 
+void Outbox::replace(size_t bytes, Bytes datagram)
+{
+    std::memcpy(block_.data() + head_ + bytes + sizeof(Length), datagram.data(), datagram.size());
+}
+
 size_t Outbox::front(std::span<Bytes> datagrams) const
 {
     size_t count = 0;

@@ -31,6 +31,10 @@ public:
     // Back to when bytes() was this; nothing may have been dropped since.
     void rollback(size_t bytes) { block_.resize(head_ + bytes); }
 
+    // Replaces the datagram that begins when bytes() was this by one of the same length; nothing
+    // may have been dropped since.
+    void replace(size_t bytes, Bytes datagram);
+
     // The first datagrams, as many as there are and fit; drop takes them away once they are sent.
     size_t front(std::span<Bytes> datagrams) const;
     void drop(size_t datagrams);

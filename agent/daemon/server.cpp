@@ -8,8 +8,8 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
-#include "daemon/dispatch.h"
 #include "daemon/log.h"
+#include "daemon/reply.h"
 #include "ofp/host.h"
 
 namespace agent {
@@ -56,7 +56,10 @@ struct Server::Connection {
     int fd = -1;
     Peer peer;
     bool ended = false; // the client sends nothing more
+    bool held = false;  // until the configuration is committed
     short awaited = 0;  // events that the event below waits for
+    size_t held_answer = 0;
+    uint32_t held_message = 0;
     event ready{};
     Outbox queue; // answers that the client has not taken yet
 };
@@ -67,6 +70,7 @@ Server::Server(event_base *base, int listener, Model &model)
 {
     event_assign(&accept_event_, base_, listener_, EV_READ | EV_PERSIST, on_listener, this);
     event_assign(&retry_event_, base_, -1, 0, on_retry, this);
+    event_assign(&commit_event_, base_, -1, 0, on_commit, this);
 }
 
 Server::~Server()
@@ -78,6 +82,7 @@ Server::~Server()
     }
     event_del(&accept_event_);
     event_del(&retry_event_);
+    event_del(&commit_event_);
 }
 
 bool Server::start()
@@ -134,6 +139,8 @@ Server::Connection *Server::open(int fd)
     try {
         if (idle_.empty()) {
             idle_.reserve(connections_.size() + 1);
+            held_.reserve(connections_.size() + 1);
+            released_.reserve(connections_.size() + 1);
             connections_.push_back(std::make_unique<Connection>());
             idle_.push_back(connections_.back().get());
         }
@@ -149,6 +156,7 @@ Server::Connection *Server::open(int fd)
     connection.fd = fd;
     connection.peer = peer_of(fd, own_user_);
     connection.ended = false;
+    connection.held = false;
     connection.awaited = 0;
     return &connection;
 }
@@ -157,6 +165,9 @@ void Server::close(Connection &connection)
 {
     if (connection.awaited != 0) {
         event_del(&connection.ready);
+    }
+    if (connection.held) {
+        std::erase(held_, &connection);
     }
     ::close(connection.fd);
     connection.fd = -1;
@@ -178,12 +189,18 @@ void Server::on_connection(int, short what, void *argument)
 
 void Server::tend(Connection &connection, short what)
 {
+    if (connection.held) {
+        return; // the commit is due, and reads on
+    }
     bool open = true;
     if (!connection.queue.empty()) {
         open = flush(connection, connection.queue);
     }
     if (open && (what & EV_READ)) {
         open = read_some(connection);
+    }
+    if (open && connection.held) {
+        return;
     }
     if (open && connection.ended && connection.queue.empty()) {
         open = false;
@@ -195,7 +212,8 @@ void Server::tend(Connection &connection, short what)
 
 bool Server::read_some(Connection &connection)
 {
-    for (int turn = 0; turn < DATAGRAMS_PER_TURN && connection.queue.bytes() <= QUEUE_HIGH;
+    for (int turn = 0;
+         turn < DATAGRAMS_PER_TURN && !connection.held && connection.queue.bytes() <= QUEUE_HIGH;
          ++turn) {
         const int64_t length = HOST_Receive(connection.fd, buffer_.get(), DATAGRAM_MAX + 1);
         if (length == HOST_HANGUP) {
@@ -215,6 +233,7 @@ bool Server::read_some(Connection &connection)
 bool Server::serve(Connection &connection, Bytes datagram)
 {
     Outbox &out = connection.queue.empty() ? fresh_ : connection.queue;
+    const size_t before = out.bytes();
     Outcome outcome;
     if (!connection.peer.own_user) {
         outcome = refuse(datagram, OTHER_USER, out, model_);
@@ -225,6 +244,13 @@ bool Server::serve(Connection &connection, Bytes datagram)
     }
     if (outcome.code != 0) {
         log_refusal(outcome, connection.peer.pid);
+    }
+    if (outcome.awaits_commit) {
+        if (&out == &fresh_) {
+            std::swap(fresh_, connection.queue);
+        }
+        hold(connection, before, outcome);
+        return true;
     }
     if (&out == &fresh_) {
         if (!flush(connection, fresh_)) {
@@ -240,6 +266,43 @@ bool Server::serve(Connection &connection, Bytes datagram)
         return false;
     }
     return !outcome.hang_up && connection.peer.own_user;
+}
+
+// ---- Committing
+
+void Server::hold(Connection &connection, size_t answer, const Outcome &outcome)
+{
+    connection.held = true;
+    connection.held_answer = answer;
+    connection.held_message = outcome.message;
+    held_.push_back(&connection); // there is room for every connection
+    event_active(&commit_event_, EV_TIMEOUT, 0);
+}
+
+void Server::on_commit(int, short, void *server) { static_cast<Server *>(server)->commit(); }
+
+void Server::commit()
+{
+    const bool stored = model_.configuration().commit();
+    if (!stored) {
+        log::error("the configuration cannot be stored: {}", model_.configuration().failure());
+    }
+    std::swap(held_, released_);
+    for (Connection *const connection : released_) {
+        release(*connection, stored);
+    }
+    released_.clear();
+}
+
+void Server::release(Connection &connection, bool stored)
+{
+    connection.held = false;
+    if (!stored) {
+        ++model_.counters.refused;
+        log_refusal({.message = connection.held_message, .code = NOT_STORED}, connection.peer.pid);
+        connection.queue.replace(connection.held_answer, result_reply(NOT_STORED));
+    }
+    tend(connection, EV_READ);
 }
 
 bool Server::flush(Connection &connection, Outbox &out)

@@ -55,7 +55,7 @@ TEST(Memory, ABatchIsAppliedWithAllItsAnswersOrNotAtAll)
         open_period(model);
         Outbox out;
         until_failure = n;
-        const Outcome outcome = answer(request, out, model);
+        const Outcome outcome = answer_and_commit(request, out, model);
         unhindered = until_failure != NEVER;
         until_failure = NEVER;
         const uint32_t present = model.flow_switch().table(CLIENT, 200).rules;
@@ -88,7 +88,7 @@ TEST(Memory, EveryOtherRequestIsAnsweredOrHungUpOn)
             ask(model, batch({{}}));
             Outbox out;
             until_failure = n;
-            const Outcome outcome = answer(request, out, model);
+            const Outcome outcome = answer_and_commit(request, out, model);
             unhindered = until_failure != NEVER;
             until_failure = NEVER;
             EXPECT_TRUE(!outcome.hang_up || out.empty());

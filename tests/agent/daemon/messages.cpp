@@ -76,7 +76,7 @@ Datagram error_reply(const Datagram &offender, uint16_t type, uint16_t code)
 std::vector<Datagram> ask(Model &model, const Datagram &request)
 {
     Outbox out;
-    answer(request, out, model);
+    answer_and_commit(request, out, model);
     std::vector<Datagram> answers;
     while (!out.empty()) {
         Bytes first[1];
