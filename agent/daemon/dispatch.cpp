@@ -4,6 +4,7 @@
 #include <new>
 
 #include "daemon/handler.h"
+#include "daemon/packet_message.h"
 
 namespace agent {
 
@@ -112,11 +113,13 @@ constexpr Route ROUTES[] = {
     {OFP_MSG_GET_GROUP_TABLE, group_table},
     {OFP_MSG_GET_NEXT_GROUP_ID, next_group},
     {OFP_MSG_GET_GROUP_SUMMARY, group_summary},
+
+    {MSG_PACKET, packet},
 };
 
 // Requests are numbered from 1 within their family, which the upper four bits name.
 constexpr size_t FAMILY_SIZE = 64;
-constexpr size_t SLOTS = 6 * FAMILY_SIZE;
+constexpr size_t SLOTS = 7 * FAMILY_SIZE;
 
 constexpr size_t slot_of(uint32_t message)
 {
@@ -136,6 +139,7 @@ constexpr auto ENTRIES = [] {
 #define OFP_ROW(name, code) entries[slot_of(static_cast<uint32_t>(code))] = {#name, nullptr};
     OFP_MESSAGE_CODES(OFP_ROW)
 #undef OFP_ROW
+    entries[slot_of(MSG_PACKET)].name = "PACKET"; // this agent's own
     for (const Route &route : ROUTES) {
         entries[slot_of(route.message)].route = &route;
     }

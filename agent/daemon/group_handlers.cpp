@@ -20,7 +20,9 @@ uint32_t take_group(const Request &request, const Model &model, OfpGroupID &key)
 OfpGroupBase base_record(const OfpGroupID &key, const GroupView &group)
 {
     OfpGroupBase base{};
-    base.value_u64_16 = group.age_seconds; // packets and bytes before it: none pass this switch
+    base.value_u64_0 = group.counters.packets;
+    base.value_u64_8 = group.counters.bytes;
+    base.value_u64_16 = group.age_seconds;
     base.value_u32_24 = key.group_id;
     base.value_u16_28 = key.instance_id;
     base.opaque_30[0] = group.type;

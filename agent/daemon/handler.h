@@ -94,4 +94,7 @@ Handler group_table;
 Handler next_group;
 Handler group_summary;
 
+// Packets
+Handler packet;
+
 } // namespace agent

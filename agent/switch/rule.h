@@ -5,6 +5,7 @@
 #include <memory_resource>
 #include <span>
 
+#include "switch/traffic.h"
 #include "switch/key.h"
 
 namespace agent {
@@ -12,6 +13,7 @@ namespace agent {
 struct Rule {
     MaskRef mask;
     uint64_t cookie = 0;
+    Traffic counters;
     uint64_t programmed = 0; // the client's count of periods when it was programmed last
     uint32_t created = 0;
     uint16_t priority = 0;

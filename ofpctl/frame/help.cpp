@@ -116,11 +116,11 @@ std::string setting_form(const SettingRow &row)
 std::string setting_help(const SettingRow &row)
 {
     switch (row.form) {
-    case Form::number:
+    case ValueForm::number:
         return fmt::format("{}, {} to {}", row.help, row.least, row.most);
-    case Form::text:
+    case ValueForm::text:
         return fmt::format("{}, at most {} bytes", row.help, row.most);
-    case Form::ids:
+    case ValueForm::ids:
         return fmt::format("{}; ids {} to {}", row.help, row.least, row.most);
     default:
         return std::string(row.help);

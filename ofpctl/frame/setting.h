@@ -9,7 +9,7 @@
 
 namespace ofpctl {
 
-enum class Form : uint8_t {
+enum class ValueForm : uint8_t {
     number,      // least to most
     hex,         // a number shown in hexadecimal
     word,        // one of choices
@@ -29,7 +29,7 @@ struct Choice {
 
 struct SettingRow {
     std::string_view name;
-    Form form = Form::number;
+    ValueForm form = ValueForm::number;
     std::string_view value; // what it takes, as the help calls it; empty for a word
     std::string_view help;  // one line
     uint64_t least = 0;

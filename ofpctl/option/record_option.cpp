@@ -40,19 +40,22 @@ void put_address(Record &record, const Value &value)
     std::memcpy(record.address, address.bytes.data(), address.bytes.size());
 }
 
+constexpr uint16_t default_port = 6653; // that of OpenFlow
+
 constexpr Choice roles[] = {{"none", 0}, {"equal", 1}, {"master", 2}, {"slave", 3}};
 
-constexpr SettingRow address_row{"address", Form::address, "ADDRESS", "IPv4 or IPv6 address"};
-constexpr SettingRow port_row{"port", Form::number, "PORT", "TCP port", 1, UINT16_MAX};
-constexpr SettingRow role_row{"role", Form::word, "", "role that it is to have", 0, 0, roles};
-constexpr SettingRow vrf_row{"vrf", Form::text, "NAME", "VRF of the connection", 0, 31};
+constexpr SettingRow address_row{"address", ValueForm::address, "ADDRESS", "IPv4 or IPv6 address"};
+constexpr SettingRow port_row{"port", ValueForm::number, "PORT", "TCP port (default 6653)",
+                              1,      UINT16_MAX};
+constexpr SettingRow role_row{"role", ValueForm::word, "", "role that it is to have", 0, 0, roles};
+constexpr SettingRow vrf_row{"vrf", ValueForm::text, "NAME", "VRF of the connection", 0, 31};
 
 constexpr RecordOption<OfpCtrlCfg> controller[] = {
     {address_row, put_address<OfpCtrlCfg>},
     {port_row, put_number<&OfpCtrlCfg::port>},
     {vrf_row, put_text<&OfpCtrlCfg::text_29>},
     {role_row, put_number<&OfpCtrlCfg::value_u32_20>},
-    {{"tls-policy", Form::text, "NAME", "TLS policy; plain TCP without one", 0, 31},
+    {{"tls-policy", ValueForm::text, "NAME", "TLS policy; plain TCP without one", 0, 31},
      put_text<&OfpCtrlCfg::text_61>},
 };
 
@@ -64,35 +67,35 @@ constexpr RecordOption<OfpAuxCfg> auxiliary[] = {
 
 // Their meaning is the agent's; they are named for width and place in the record.
 constexpr RecordOption<OfpGlbDebug> debug[] = {
-    {{"key0", Form::number, "NUMBER", "first number of the key", 0, UINT16_MAX},
+    {{"key0", ValueForm::number, "NUMBER", "first number of the key", 0, UINT16_MAX},
      put_number<&OfpGlbDebug::value_u16_0>},
-    {{"key2", Form::number, "NUMBER", "second number of the key", 0, UINT16_MAX},
+    {{"key2", ValueForm::number, "NUMBER", "second number of the key", 0, UINT16_MAX},
      put_number<&OfpGlbDebug::value_u16_2>},
-    {{"u16-4", Form::hex, "VALUE", "16 bits at byte 4", 0, UINT16_MAX},
+    {{"u16-4", ValueForm::hex, "VALUE", "16 bits at byte 4", 0, UINT16_MAX},
      put_number<&OfpGlbDebug::value_u16_4>},
-    {{"u16-6", Form::hex, "VALUE", "16 bits at byte 6", 0, UINT16_MAX},
+    {{"u16-6", ValueForm::hex, "VALUE", "16 bits at byte 6", 0, UINT16_MAX},
      put_number<&OfpGlbDebug::value_u16_6>},
-    {{"u32-8", Form::hex, "VALUE", "32 bits at byte 8", 0, UINT32_MAX},
+    {{"u32-8", ValueForm::hex, "VALUE", "32 bits at byte 8", 0, UINT32_MAX},
      put_number<&OfpGlbDebug::value_u32_8>},
-    {{"u64-16", Form::hex, "VALUE", "64 bits at byte 16", 0, UINT64_MAX},
+    {{"u64-16", ValueForm::hex, "VALUE", "64 bits at byte 16", 0, UINT64_MAX},
      put_number<&OfpGlbDebug::value_u64_16>},
-    {{"u16-28", Form::hex, "VALUE", "16 bits at byte 28", 0, UINT16_MAX},
+    {{"u16-28", ValueForm::hex, "VALUE", "16 bits at byte 28", 0, UINT16_MAX},
      put_number<&OfpGlbDebug::value_u16_28>},
-    {{"u32-32", Form::hex, "VALUE", "32 bits at byte 32", 0, UINT32_MAX},
+    {{"u32-32", ValueForm::hex, "VALUE", "32 bits at byte 32", 0, UINT32_MAX},
      put_number<&OfpGlbDebug::value_u32_32>},
-    {{"u32-36", Form::hex, "VALUE", "32 bits at byte 36", 0, UINT32_MAX},
+    {{"u32-36", ValueForm::hex, "VALUE", "32 bits at byte 36", 0, UINT32_MAX},
      put_number<&OfpGlbDebug::value_u32_36>},
-    {{"u32-40", Form::hex, "VALUE", "32 bits at byte 40", 0, UINT32_MAX},
+    {{"u32-40", ValueForm::hex, "VALUE", "32 bits at byte 40", 0, UINT32_MAX},
      put_number<&OfpGlbDebug::value_u32_40>},
-    {{"u16-48", Form::hex, "VALUE", "16 bits at byte 48", 0, UINT16_MAX},
+    {{"u16-48", ValueForm::hex, "VALUE", "16 bits at byte 48", 0, UINT16_MAX},
      put_number<&OfpGlbDebug::value_u16_48>},
-    {{"u16-50", Form::hex, "VALUE", "16 bits at byte 50", 0, UINT16_MAX},
+    {{"u16-50", ValueForm::hex, "VALUE", "16 bits at byte 50", 0, UINT16_MAX},
      put_number<&OfpGlbDebug::value_u16_50>},
-    {{"u16-68", Form::hex, "VALUE", "16 bits at byte 68", 0, UINT16_MAX},
+    {{"u16-68", ValueForm::hex, "VALUE", "16 bits at byte 68", 0, UINT16_MAX},
      put_number<&OfpGlbDebug::value_u16_68>},
-    {{"u16-70", Form::hex, "VALUE", "16 bits at byte 70", 0, UINT16_MAX},
+    {{"u16-70", ValueForm::hex, "VALUE", "16 bits at byte 70", 0, UINT16_MAX},
      put_number<&OfpGlbDebug::value_u16_70>},
-    {{"u32-88", Form::hex, "VALUE", "32 bits at byte 88", 0, UINT32_MAX},
+    {{"u32-88", ValueForm::hex, "VALUE", "32 bits at byte 88", 0, UINT32_MAX},
      put_number<&OfpGlbDebug::value_u32_88>},
 };
 
@@ -117,6 +120,8 @@ OfpCtrlCfg controller_record(uint16_t instance, uint8_t controller_id,
     OfpCtrlCfg record{};
     record.instance_id = instance;
     record.controller_id = controller_id;
+    if (!settings.empty())
+        record.port = default_port;
     for (const Assignment &setting : settings)
         option_of(controller_options(), *setting.row).put(record, setting.value);
     return record;

@@ -241,11 +241,11 @@ std::string format_tables(const std::vector<TableKind> &tables)
 std::string format_number(const SettingRow &row, uint64_t number)
 {
     switch (row.form) {
-    case Form::word:
+    case ValueForm::word:
         return format_word(row, number);
-    case Form::ids:
+    case ValueForm::ids:
         return format_ids(number);
-    case Form::hex:
+    case ValueForm::hex:
         return row.most > UINT32_MAX ? fmt::format("0x{:016x}", number)
                                      : fmt::format("0x{:x}", number);
     default:
@@ -258,24 +258,24 @@ std::string format_number(const SettingRow &row, uint64_t number)
 std::variant<Value, BadValue> parse_value(const SettingRow &row, std::string_view text)
 {
     switch (row.form) {
-    case Form::number:
-    case Form::hex:
+    case ValueForm::number:
+    case ValueForm::hex:
         return parse_range(row, text);
-    case Form::word:
+    case ValueForm::word:
         return parse_word(row, text);
-    case Form::text:
+    case ValueForm::text:
         return parse_text(row, text);
-    case Form::vlan_filter:
+    case ValueForm::vlan_filter:
         return parse_filter(text);
-    case Form::tables:
+    case ValueForm::tables:
         return parse_tables(text);
-    case Form::address:
+    case ValueForm::address:
         return parse_address(text);
-    case Form::ids:
+    case ValueForm::ids:
         return parse_ids(row, text);
-    case Form::numbers:
+    case ValueForm::numbers:
         return parse_numbers(row, text);
-    case Form::vlans:
+    case ValueForm::vlans:
         break;
     }
     auto vlans = parse_vlans(text);
@@ -308,7 +308,7 @@ std::string format_value(const SettingRow &row, const Value &value)
 void write_value(JsonWriter &json, const SettingRow &row, const Value &value)
 {
     const uint64_t *number = std::get_if<uint64_t>(&value);
-    if (number && row.form == Form::number && row.most <= UINT32_MAX)
+    if (number && row.form == ValueForm::number && row.most <= UINT32_MAX)
         json.number(row.name, static_cast<int64_t>(*number));
     else
         json.text(row.name, format_value(row, value));
@@ -317,13 +317,13 @@ void write_value(JsonWriter &json, const SettingRow &row, const Value &value)
 std::string accepted(const SettingRow &row)
 {
     switch (row.form) {
-    case Form::number:
+    case ValueForm::number:
         return fmt::format("{} to {}", row.least, row.most);
-    case Form::hex:
+    case ValueForm::hex:
         return fmt::format("{:#x} to {:#x}", row.least, row.most);
-    case Form::word:
+    case ValueForm::word:
         return fmt::format("{}", fmt::join(words_of(row), ", "));
-    case Form::text:
+    case ValueForm::text:
         return fmt::format("at most {} bytes", row.most);
     default:
         return {};

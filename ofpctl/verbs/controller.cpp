@@ -76,7 +76,7 @@ uint32_t send(const Key &key, std::span<const Assignment> settings, uint16_t ope
 void require_address(std::span<const Assignment> settings)
 {
     for (const Assignment &setting : settings) {
-        if (setting.row->form == Form::address)
+        if (setting.row->form == ValueForm::address)
             return;
     }
     throw usage_failure("address is missing: address=ADDRESS");
@@ -145,8 +145,9 @@ constexpr Verb rows[] = {
      .run = set_controller,
      .help = "Sets a controller of an instance, or an auxiliary connection to it.",
      .details = "Controller ids are 0 to 63. A controller is sent as a whole: what is not named "
-                "is as if it had never been set. Role and TLS policy are not an auxiliary "
-                "connection's.",
+                "is as if it had never been set. An "
+                "auxiliary connection without address or port has its controller's; role and TLS "
+                "policy are not its own.",
      .operands = {"INSTANCE CONTROLLER NAME=VALUE...", Kind::text, 3, any_number},
      .options = options,
      .examples = set_examples,

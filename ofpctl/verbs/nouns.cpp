@@ -47,6 +47,7 @@ std::span<const Noun> nouns()
         {"group", "Groups of output ports.", group_verbs},
         {"meter", "Meters.", meter_verbs},
         {"table", "Flow tables.", table_verbs},
+        {"packet", "What the switch does with a packet.", packet_verbs},
         {"summary", "All instances at a glance.", summary_verbs},
         {"resource", "Resources of the switch.", resource_verbs},
         {"app", "Registered applications.", app_verbs},

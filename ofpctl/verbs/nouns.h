@@ -19,6 +19,7 @@ extern const std::span<const Verb> group_verbs;
 extern const std::span<const Verb> instance_verbs;
 extern const std::span<const Verb> meter_verbs;
 extern const std::span<const Verb> msg_verbs;
+extern const std::span<const Verb> packet_verbs;
 extern const std::span<const Verb> port_verbs;
 extern const std::span<const Verb> resource_verbs;
 extern const std::span<const Verb> smooth_verbs;

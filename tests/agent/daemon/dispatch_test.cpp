@@ -33,7 +33,7 @@ TEST(Dispatch, RefusesCodesThatNoMessageHas)
     Model model;
     for (const uint32_t code :
          {0u, 13u, 62u, 63u, 64u, 0x10000000u, 0x10000002u, 0x1000002eu, 0x10000040u, 0x30000001u,
-          0x50000002u, 0x5000000cu, 0x60000001u, 0xf0000001u, 0xffffffffu}) {
+          0x50000002u, 0x5000000cu, 0x60000002u, 0xf0000001u, 0xffffffffu}) {
         EXPECT_EQ(ask_one(model, head(code)), result(UNKNOWN_MESSAGE)) << std::hex << code;
     }
     EXPECT_EQ(ask_one(model, result(0)), result(UNKNOWN_MESSAGE)); // a reply is no request
@@ -154,6 +154,8 @@ std::vector<Datagram> requests()
               hex("0045 0008 0a000000 00000002")}),
         join({head(0x10000020), hex("0098 0008 0001 0002 0003 0000")}),
         join({head(0x10000013), hex("005f 0004 1001 0000")}),
+        join(
+            {head(0x60000001), hex("6001 0008 1001 01 ff 00000040 6002 0008 8000 00 04 00000001")}),
         join({head(0x10000026), rule, hex("0001 000c 8000 00 04 00000001 00000000")}),
     };
     for (const uint32_t code : {0x10000001u, 0x10000003u}) {

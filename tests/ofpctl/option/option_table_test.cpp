@@ -55,9 +55,10 @@ TEST(OptionTables, NamesAreDistinctAndDescribed)
             SCOPED_TRACE(row->name);
             EXPECT_TRUE(names.insert(row->name).second);
             EXPECT_FALSE(row->help.empty());
-            EXPECT_EQ(row->value.empty(), row->form == Form::word);
-            EXPECT_EQ(row->choices.empty(), row->form != Form::word);
-            if (row->form == Form::number || row->form == Form::hex || row->form == Form::text) {
+            EXPECT_EQ(row->value.empty(), row->form == ValueForm::word);
+            EXPECT_EQ(row->choices.empty(), row->form != ValueForm::word);
+            if (row->form == ValueForm::number || row->form == ValueForm::hex ||
+                row->form == ValueForm::text) {
                 EXPECT_LT(row->least, row->most);
             }
         }

@@ -11,19 +11,19 @@ namespace {
 constexpr Choice modes[] = {{"secure", 0}, {"standalone", 1}};
 constexpr uint64_t maxima[] = {UINT64_MAX, 255};
 
-constexpr SettingRow number{"n", Form::number, "N", "help", 1, 65535};
-constexpr SettingRow wide{"w", Form::number, "N", "help", 0, UINT64_MAX};
-constexpr SettingRow hexadecimal{"h", Form::hex, "BITS", "help", 0, UINT32_MAX};
-constexpr SettingRow datapath{"d", Form::hex, "ID", "help", 1, UINT64_MAX};
-constexpr SettingRow word{"m", Form::word, "", "help", 0, 0, modes};
-constexpr SettingRow text{"t", Form::text, "TEXT", "help", 0, 5};
-constexpr SettingRow filter{"vlan", Form::vlan_filter, "ID", "help"};
-constexpr SettingRow tables{"tables", Form::tables, "ID:KIND,...", "help"};
-constexpr SettingRow address{"address", Form::address, "ADDRESS", "help"};
-constexpr SettingRow ids{"ids", Form::ids, "ID,...", "help", 0, 63};
-constexpr SettingRow vlans{"vlans", Form::vlans, "VLANS", "help"};
+constexpr SettingRow number{"n", ValueForm::number, "N", "help", 1, 65535};
+constexpr SettingRow wide{"w", ValueForm::number, "N", "help", 0, UINT64_MAX};
+constexpr SettingRow hexadecimal{"h", ValueForm::hex, "BITS", "help", 0, UINT32_MAX};
+constexpr SettingRow datapath{"d", ValueForm::hex, "ID", "help", 1, UINT64_MAX};
+constexpr SettingRow word{"m", ValueForm::word, "", "help", 0, 0, modes};
+constexpr SettingRow text{"t", ValueForm::text, "TEXT", "help", 0, 5};
+constexpr SettingRow filter{"vlan", ValueForm::vlan_filter, "ID", "help"};
+constexpr SettingRow tables{"tables", ValueForm::tables, "ID:KIND,...", "help"};
+constexpr SettingRow address{"address", ValueForm::address, "ADDRESS", "help"};
+constexpr SettingRow ids{"ids", ValueForm::ids, "ID,...", "help", 0, 63};
+constexpr SettingRow vlans{"vlans", ValueForm::vlans, "VLANS", "help"};
 constexpr SettingRow numbers{
-    .name = "a", .form = Form::numbers, .value = "U64:U8", .help = "help", .maxima = maxima};
+    .name = "a", .form = ValueForm::numbers, .value = "U64:U8", .help = "help", .maxima = maxima};
 
 Value good(const SettingRow &row, std::string_view value)
 {
