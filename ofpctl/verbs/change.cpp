@@ -214,7 +214,9 @@ void print(Output &out, const Changes &changes, const std::vector<Report> &repor
 [[noreturn]] void fail(Failure first, const std::vector<Report> &reports)
 {
     const std::size_t bad = failed(reports);
-    if (reports.size() > 1 && is_refusal(first)) {
+    if (bad == 0)
+        first.message = fmt::format("set, but it cannot be read back: {}", first.message);
+    if (bad > 0 && reports.size() > 1 && is_refusal(first)) {
         first.message = fmt::format("{} of {} changes {} refused; the first: {}", bad,
                                     reports.size(), bad == 1 ? "was" : "were", first.message);
         if (bad < reports.size())

@@ -185,7 +185,7 @@ class FailureTest(SandboxTest):
         self.sandbox.start_fake("--result", "25=0x42300141")
         result = self.sandbox.run("instance", "set", "1", "qinq=on", "echo-interval=5")
         self.assertEqual(result.status, 6, result)
-        self.assertEqual(result.out, "instance 1: qinq=on: refused: the agent answered with code 0x42300141\n"
+        self.assertEqual(result.out, "instance 1: qinq=on: refused: a value is out of its range\n"
                                      "instance 1: echo-interval=5\n")
         self.assertIn("1 of 2 changes was refused", result.err)
         document = self.run_json(6, "instance", "set", "1", "qinq=on", "echo-interval=5")
@@ -212,6 +212,14 @@ class FailureTest(SandboxTest):
         self.assertEqual(self.run_ok("instance", "set", "1", "echo-interval=5").out, "instance 1: echo-interval=5\n")
         result = self.run_fails(1, "instance", "set", "--verify", "1", "echo-interval=5")
         self.assertEqual(result.out, "instance 1: echo-interval=5: the answer was no result\n")
+
+    def test_an_agent_that_cannot_be_asked_again(self):
+        self.sandbox.start_fake("--answer", "0x10000001=00010004200000020005000400010000",
+                                "--result", "0x10000005=0x42300104")
+        result = self.run_fails(1, "instance", "set", "--verify", "1", "fail-open=secure", "qinq=on")
+        self.assertEqual(result.err, "ofpctl: set, but it cannot be read back: instance 1: this agent does not "
+                                     "answer this message\n")
+        self.assertEqual(result.out, "instance 1: fail-open=secure\ninstance 1: qinq=on\n")
 
     def test_a_value_that_did_not_arrive_is_noticed_by_verify(self):
         # The agent says yes to everything, has the instance, and reports nothing of it.
