@@ -201,7 +201,7 @@ public:
         packet.oxm(OFPXMT_TCP_SRC, static_cast<uint16_t>(rule.src * 7));
         packet.oxm(OFPXMT_TCP_DST, uint16_t{443});
         agent::Trace trace;
-        switch_.trace(CLIENT, {packet.bytes(), tables, TABLE, {}}, trace);
+        switch_.trace(CLIENT, {packet.bytes(), tables, TABLE, false, {}}, trace);
         return trace.visits.front().rule;
     }
 
@@ -288,7 +288,7 @@ void run_trace(benchmark::State &state, RuleSet rules)
     uint32_t n = 0;
     uint32_t met = 0;
     for (auto _ : state) {
-        met += table.trace(scatter(n++) % (2 * RULES)) != 0 ? 1 : 0;
+        met += table.trace(scatter(n++) % (2 * RULES)) != 0 ? 1U : 0U;
     }
     if (met < n / 3) {
         state.SkipWithError("too few packets met a rule");

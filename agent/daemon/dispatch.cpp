@@ -114,7 +114,36 @@ constexpr Route ROUTES[] = {
     {OFP_MSG_GET_NEXT_GROUP_ID, next_group},
     {OFP_MSG_GET_GROUP_SUMMARY, group_summary},
 
+    {OFP_MSG_GET_GROUP_REF_RULE, group_references},
+    {OFP_MSG_GET_NEXT_SMART_GROUP_ID, next_smart_group},
+
+    {OFP_MSG_GET_METER_TABLE, meter_table},
+    {OFP_MSG_GET_SPEC_METER_ENTRY, meter_entry},
+    {OFP_MSG_GET_NEXT_METER_ENTRY, next_meter_entry},
+    {OFP_MSG_GET_METER_REF_RULE, meter_references},
+
     {MSG_PACKET, packet},
+
+    {OFP_MSG_GET_INST_ACTIVE, instance_active},
+    {OFP_MSG_GET_SUMMARY, summary},
+    {OFP_MSG_GET_VERBOSE_GLB, verbose_global},
+    {OFP_MSG_GET_VERBOSE_CFG, verbose_configured},
+    {OFP_MSG_GET_VERBOSE_RUN, verbose_running},
+    {OFP_MSG_GET_VERBOSE_IF, instance_interfaces},
+    {OFP_MSG_GET_GLB_CFG_VERBOSE, verbose_global_config},
+    {OFP_MSG_GET_CTRL_INFO, controller_info},
+    {OFP_MSG_GET_NEXT_CTRL, next_controller},
+    {OFP_MSG_GET_CTRL_CFG_INFO, controller_config},
+    {OFP_MSG_GET_CTRL_PKT_INFO, controller_packets},
+    {OFP_MSG_GET_AUX_INFO, auxiliary_info},
+    {OFP_MSG_GET_AC_PORT_INFO, attachment_ports},
+    {OFP_MSG_GET_RESOURCES_IF, interface_resources},
+    {OFP_MSG_GET_GLB_DBG_INFO, debug_info},
+    {OFP_MSG_GET_GLB_DBG_INFO_PKT, debug_packets},
+    {OFP_MSG_GET_ACL_RESV, acl_reserved},
+    {OFP_MSG_GET_ACL_TABLE_NUM, acl_tables},
+    {OFP_MSG_GET_OAP_CLIENT_NUM, oap_clients},
+    {OFP_MSG_GET_OAP_CONTEXT, oap_context},
 };
 
 // Requests are numbered from 1 within their family, which the upper four bits name.

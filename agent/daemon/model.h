@@ -22,6 +22,12 @@ struct Counters {
     uint64_t errors = 0;   // answered by an OpenFlow error
 };
 
+// What the agent was started with, as far as queries tell it.
+struct StartOptions {
+    uint16_t reserved_acl_resources = 0;
+    uint32_t acl_tables = 1;
+};
+
 class Model : private ConfigurationObserver {
 public:
     explicit Model(const SwitchLimits &limits = {});
@@ -53,6 +59,7 @@ public:
     const Switch &flow_switch() const { return flow_switch_; }
 
     Counters counters;
+    StartOptions start;
 
 private:
     void instance_changed(uint16_t id, const InstanceConfig *before,

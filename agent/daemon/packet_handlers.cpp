@@ -3,6 +3,7 @@
 
 #include "daemon/handler.h"
 #include "daemon/packet_message.h"
+#include "ofp/host.h"
 #include "openflow/wire.h"
 
 namespace agent {
@@ -38,6 +39,16 @@ uint32_t take_query(Bytes &rest, PacketQueryRecord &query)
     return (query.flags & ~PACKET_SEND) == 0 ? 0 : BAD_PACKET;
 }
 
+// Ports have the numbers of the interfaces; one that the switch's description does not have is up.
+bool is_up(const Model &model, uint32_t port)
+{
+    if (model.configuration().global().shut_down_ports.contains(port)) {
+        return false;
+    }
+    const HostInterface *const interface = HOST_FindInterface(port);
+    return !interface || (interface->up != 0 && IF_IsNodeUp(interface->node) != 0);
+}
+
 uint8_t default_table(const Model &model, uint16_t instance)
 {
     return model.table(instance, CLIENT_TABLE) && is_client(instance)
@@ -63,6 +74,8 @@ constexpr PacketEnd end_of(TraceEnd end)
         return PacketEnd::no_rule;
     case TraceEnd::no_table:
         return PacketEnd::no_table;
+    case TraceEnd::permitted:
+        return PacketEnd::permitted;
     case TraceEnd::cut:
         return PacketEnd::cut;
     }
@@ -148,7 +161,8 @@ uint32_t packet(const Request &request, Reply &reply, Model &model)
     if (const uint32_t code = at_end(rest)) {
         return code;
     }
-    if (!model.instance(query.instance_id)) {
+    const InstanceConfig *const instance = model.instance(query.instance_id);
+    if (!instance) {
         return NO_INSTANCE;
     }
     if (query.table_id == PACKET_DEFAULT_TABLE) {
@@ -159,7 +173,10 @@ uint32_t packet(const Request &request, Reply &reply, Model &model)
     }
     const std::vector<uint8_t> tables = tables_of(model, query.instance_id);
     Trace trace;
-    if (model.flow_switch().trace(query.instance_id, {fields, tables, query.table_id, {}}, trace)) {
+    PacketQuery packet{.fields = fields, .tables = tables, .first = query.table_id};
+    packet.permit_missed = instance->miss_mode == MISS_PERMIT;
+    packet.is_up = [&model](uint32_t port) { return is_up(model, port); };
+    if (model.flow_switch().trace(query.instance_id, packet, trace)) {
         return BAD_PACKET;
     }
     write_trace(trace, reply);

@@ -37,6 +37,7 @@ enum class PacketEnd : uint8_t {
     no_rule = 1,     // the last table visited had none
     no_table = 2,    // the last rule leads to a table that there is not
     cut = 3,         // followed through as many actions and buckets as one packet is
+    permitted = 4,   // the last table visited had none, and the instance forwards such packets
 };
 
 struct PacketResultRecord {

@@ -8,7 +8,6 @@
 
 #include "openflow/wire.h"
 #include "switch/classifier.h"
-#include "switch/traffic.h"
 #include "switch/groups.h"
 #include "switch/id_set.h"
 #include "switch/key.h"
@@ -16,6 +15,7 @@
 #include "switch/rule.h"
 #include "switch/rule_index.h"
 #include "switch/slots.h"
+#include "switch/traffic.h"
 
 namespace agent {
 

@@ -41,6 +41,7 @@ private:
     const Rule *look_up(uint8_t id);
     std::optional<uint8_t> carry_out(const Rule &rule);
     void write_metadata(const Instruction &instruction);
+    void miss();
     void finish();
 
     void act(const Action &action);
@@ -70,7 +71,7 @@ Trace Journey::travel()
         }
         const Rule *rule = look_up(*next);
         if (rule == nullptr) {
-            trace_.end = TraceEnd::no_rule;
+            miss();
             return std::move(trace_);
         }
         next = carry_out(*rule);
@@ -130,6 +131,15 @@ void Journey::write_metadata(const Instruction &instruction)
     const uint64_t mask = openflow::load64(instruction.bytes.data() + 16);
     const uint64_t old = openflow::load64(packet_.at(place));
     openflow::store<uint64_t>(packet_.at(place), (old & ~mask) | (value & mask));
+}
+
+// The action set is left alone.
+void Journey::miss()
+{
+    trace_.end = query_.permit_missed ? TraceEnd::permitted : TraceEnd::no_rule;
+    if (query_.permit_missed) {
+        output(openflow::OFPP_NORMAL, openflow::OFPG_ANY, 0);
+    }
 }
 
 void Journey::finish()

@@ -5,8 +5,8 @@
 #include <memory_resource>
 #include <span>
 
-#include "switch/traffic.h"
 #include "switch/key.h"
+#include "switch/traffic.h"
 
 namespace agent {
 

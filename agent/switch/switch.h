@@ -26,7 +26,7 @@ struct RuleView {
     uint16_t priority = 0;
     std::span<const uint8_t> match;        // ofp_match with its pad bytes, as received
     std::span<const uint8_t> instructions; // as received
-    Traffic counters;                     // what sent packets left; there are no others
+    Traffic counters;                      // what sent packets left; there are no others
     uint32_t age_seconds = 0;
     uint64_t cookie = 0;
     uint16_t flags = 0; // of the flow-mod that added it

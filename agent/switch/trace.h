@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "openflow/wire.h"
-#include "switch/traffic.h"
 #include "switch/packet.h"
+#include "switch/traffic.h"
 
 namespace agent {
 
@@ -18,6 +18,7 @@ struct PacketQuery {
     openflow::Bytes fields;              // OXM entries
     std::span<const uint8_t> tables;     // those that there are, ascending
     uint8_t first = 0;                   // the one that it enters
+    bool permit_missed = false;          // what no rule matches is forwarded as by output:normal
     std::function<bool(uint32_t)> is_up; // a port that a failover bucket watches; empty: all are
 };
 
@@ -56,6 +57,7 @@ enum class TraceEnd : uint8_t {
     carried_out, // the action set
     no_rule,     // the last table visited had none: dropped
     no_table,    // the last rule leads to a table that there is not: dropped
+    permitted,   // the last table visited had none, and what none matches is forwarded normally
     cut,         // more actions and buckets than a packet is followed through
 };
 

@@ -71,6 +71,7 @@ int status_of(uint32_t code)
     case agent::NO_RULE:
     case agent::NO_GROUP:
     case agent::NOT_PRESENT:
+    case agent::NO_METER:
     case agent::NO_CONTROLLER:
     case agent::NO_AUXILIARY:
     case agent::NO_PORT:

@@ -25,6 +25,8 @@ std::string_view end_name(agent::PacketEnd end)
         return "no_rule";
     case agent::PacketEnd::no_table:
         return "no_table";
+    case agent::PacketEnd::permitted:
+        return "permitted";
     default:
         return "cut";
     }
@@ -85,6 +87,8 @@ void print_end(Output &out, const PacketReply &reply)
     case agent::PacketEnd::no_rule:
         return out.line(fmt::format("dropped: no rule of table {} matches",
                                     reply.visits.empty() ? 0 : reply.visits.back().table));
+    case agent::PacketEnd::permitted:
+        return out.line("forwarded normally, as the instance does with what no rule matches");
     case agent::PacketEnd::no_table:
         return out.line(fmt::format("dropped: there is no table {}", reply.missing_table));
     default:

@@ -59,14 +59,15 @@ protected:
     agent::Trace trace(const Message &fields)
     {
         agent::Trace result;
-        EXPECT_FALSE(switch_.trace(CLIENT, {fields, tables_, tables_.front(), is_up_}, result));
+        EXPECT_FALSE(
+            switch_.trace(CLIENT, {fields, tables_, tables_.front(), permit_, is_up_}, result));
         return result;
     }
 
     std::optional<Error> refusal(const Message &fields)
     {
         agent::Trace result;
-        return switch_.trace(CLIENT, {fields, tables_, tables_.front(), {}}, result);
+        return switch_.trace(CLIENT, {fields, tables_, tables_.front(), false, {}}, result);
     }
 
     // The ports that a packet leaves by.
@@ -100,6 +101,7 @@ protected:
     static const Message any;
 
     std::vector<uint8_t> tables_ = {TABLE};
+    bool permit_ = false;
     std::function<bool(uint32_t)> is_up_;
 };
 
@@ -144,6 +146,15 @@ TEST_F(PacketTest, WithoutARuleItIsDropped)
     ASSERT_TRUE(result.visits[0].better); // every rule is better than none
     EXPECT_EQ(result.visits[0].better->rule, 1U);
     EXPECT_EQ(result.visits[0].better->fields, 1U);
+}
+
+TEST_F(PacketTest, WithoutARuleItIsForwardedNormallyWhenThatIsPermitted)
+{
+    add(10, in_port(1), build::write_actions({build::output(1)}));
+    permit_ = true;
+    EXPECT_EQ(trace(port(2)).end, agent::TraceEnd::permitted);
+    EXPECT_EQ(ports(port(2)), std::vector<uint32_t>{OFPP_NORMAL});
+    EXPECT_EQ(trace(port(1)).end, agent::TraceEnd::carried_out);
 }
 
 TEST_F(PacketTest, InATableNobodyProgrammedNothingMatches)

@@ -8,7 +8,7 @@ from harness import SandboxTest
 CONFIGURED = (
     "instance add 1", "controller set 1 0 address=192.0.2.1 port=6653 role=master", "controller set --aux 1 1 0 port=1",
     "instance set 1 datapath-id=0x1 description=x", "port bind GE1/0/1 1", "instance activate 1", "debug set key0=1 u32-8=3",
-    "group add group_id=7,type=all,bucket=output:1,bucket=FLOOD group_id=8,type=ff,bucket=output:3",
+    "group add group_id=7,type=all,bucket=output:1,bucket=output:FLOOD group_id=8,type=ff,bucket=output:3",
     "flow add priority=1,in_port=1,actions=group:7",
 )
 
