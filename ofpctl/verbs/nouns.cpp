@@ -41,6 +41,8 @@ std::span<const Noun> nouns()
         {"flow", "Flow rules.", flow_verbs},
         {"group", "Groups of output ports.", group_verbs},
         {"table", "Flow tables.", table_verbs},
+        {"app", "Registered applications.", app_verbs},
+        {"event", "Events of the agent.", event_verbs},
         {"completion", "Completion scripts for shells.", completion_verbs},
     };
     return all;

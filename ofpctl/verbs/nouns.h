@@ -9,7 +9,9 @@
 namespace ofpctl {
 
 extern const std::span<const Verb> agent_verbs;
+extern const std::span<const Verb> app_verbs;
 extern const std::span<const Verb> completion_verbs;
+extern const std::span<const Verb> event_verbs;
 extern const std::span<const Verb> flow_verbs;
 extern const std::span<const Verb> group_verbs;
 extern const std::span<const Verb> instance_verbs;
