@@ -22,6 +22,18 @@ bool has_port(const InstanceConfig *instance, uint32_t if_index)
     return instance && instance->bound_ports.contains(if_index);
 }
 
+// A client's instance of which nothing is configured.
+bool is_bare_client(uint16_t id, const InstanceConfig *instance)
+{
+    if (!is_client(id) || !instance) {
+        return false;
+    }
+    const InstanceConfig bare = new_instance(id);
+    std::vector<StoredRow> differences;
+    add_changes(id, &bare, instance, differences);
+    return differences.empty();
+}
+
 size_t client_index(uint16_t client) { return size_t{client} - FIRST_CLIENT; }
 
 } // namespace
@@ -161,20 +173,28 @@ bool Configuration::commit() noexcept
 
 bool Configuration::write_staged()
 {
-    if (!store_) {
-        return true;
-    }
     std::vector<StoredRow> rows;
+    auto not_stored = not_stored_;
     for (const auto &[id, after] : staged_) {
         const bool in_store = !is_client(id) || !not_stored_[client_index(id)];
-        add_changes(id, in_store ? instance(id) : nullptr, after.get(), rows);
+        const bool is_bare = is_bare_client(id, after.get());
+        add_changes(id, in_store ? instance(id) : nullptr, is_bare ? nullptr : after.get(), rows);
+        if (is_client(id)) {
+            not_stored.set(client_index(id), is_bare);
+        }
     }
     if (staged_global_) {
         add_changes(global_, *staged_global_, rows);
     }
-    const std::string why_not = rows.empty() ? std::string() : store_->write(rows);
-    std::snprintf(failure_, sizeof failure_, "%s", why_not.c_str());
-    return why_not.empty();
+    if (store_ && !rows.empty()) {
+        const std::string why_not = store_->write(rows);
+        if (!why_not.empty()) {
+            std::snprintf(failure_, sizeof failure_, "%s", why_not.c_str());
+            return false;
+        }
+    }
+    not_stored_ = not_stored;
+    return true;
 }
 
 void Configuration::discard() noexcept
@@ -212,9 +232,6 @@ void Configuration::apply(Instances::node_type staged) noexcept
         found->second = after;
     } else if (before) {
         instances_.erase(found);
-    }
-    if (is_client(id)) {
-        not_stored_.reset(client_index(id));
     }
     for (ConfigurationObserver *const observer : observers_) {
         observer->instance_changed(id, before.get(), after.get());

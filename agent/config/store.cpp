@@ -16,7 +16,6 @@ namespace agent {
 
 namespace {
 
-constexpr std::string_view IN_MEMORY = ":memory:";
 constexpr int APPLICATION_ID = 0x4f465053; // tells such a file from other databases
 
 struct Finalize {
@@ -314,7 +313,7 @@ std::string make_file(const std::string &path)
 std::unique_ptr<Store> open_store(const std::string &path, std::string &why_not)
 {
     auto store = std::make_unique<SqliteStore>();
-    why_not = path == IN_MEMORY ? std::string() : make_file(path);
+    why_not = path == STORE_IN_MEMORY ? std::string() : make_file(path);
     if (why_not.empty()) {
         why_not = store->open(path);
     }

@@ -32,7 +32,10 @@ public:
     virtual std::string write(std::span<const StoredRow> rows) = 0;
 };
 
-// Opens a file, or makes one; ":memory:" is none and ends with the store. Null, and why_not says
+// A file that is none: what it holds ends with the store.
+inline constexpr const char *STORE_IN_MEMORY = ":memory:";
+
+// Opens a file, or makes one. Null, and why_not says
 // what is wrong, for one that cannot be opened, is damaged, is not such a store, was written by a
 // later version or is in use; it is then left as it is.
 std::unique_ptr<Store> open_store(const std::string &path, std::string &why_not);

@@ -4,6 +4,7 @@
 #include <climits>
 #include <csignal>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 
 #include <sys/resource.h>
@@ -104,6 +105,36 @@ bool open_log(const Options &options, std::string &why_not)
     return true;
 }
 
+// The path of the node's socket tells its others.
+std::string store_path(const Options &options, std::string &why_not)
+{
+    if (!options.store.empty()) {
+        return options.store;
+    }
+    char path[PATH_MAX];
+    if (HOST_GetSocketPath(options.node, path, sizeof path) != 0) {
+        why_not = HOST_LastError();
+        return {};
+    }
+    return std::filesystem::path(path).replace_extension(".db");
+}
+
+// Empty, or why the configuration cannot be read.
+std::string load_configuration(const Options &options, Configuration &configuration)
+{
+    std::string why_not;
+    const std::string path = store_path(options, why_not);
+    if (!why_not.empty()) {
+        return why_not;
+    }
+    std::unique_ptr<Store> store = open_store(path, why_not);
+    if (!store) {
+        return why_not;
+    }
+    why_not = configuration.attach(std::move(store));
+    return why_not.empty() ? why_not : "the configuration " + path + ": " + why_not;
+}
+
 void log_totals(const Model &model)
 {
     log::info("{} datagrams, {} refused; {} OpenFlow messages, {} refused",
@@ -112,11 +143,8 @@ void log_totals(const Model &model)
 }
 
 // Serves until a signal. Empty, or why it cannot.
-std::string serve(const Options &options, int listener, const Announce &announce)
+std::string serve(const Options &options, int listener, Model &model, const Announce &announce)
 {
-    SwitchLimits limits;
-    limits.rules_per_table = options.param.ACLMaxFlowEntry;
-    Model model(limits);
     const Base base(event_base_new());
     if (!base) {
         return "the event loop cannot be created";
@@ -138,7 +166,7 @@ std::string serve(const Options &options, int listener, const Announce &announce
     }
     log::info("ofp-agent " OFP_AGENT_VERSION
               " serves node {}, process {}, at most {} rules a table",
-              options.node, getpid(), limits.rules_per_table);
+              options.node, getpid(), options.param.ACLMaxFlowEntry);
     announce({});
     event_base_dispatch(base.get());
     log_totals(model);
@@ -168,11 +196,16 @@ int run(const Options &options, const Announce &announce)
         return fail(why_not, announce);
     }
     raise_descriptor_limit();
+    Model model({.rules_per_table = options.param.ACLMaxFlowEntry});
+    why_not = load_configuration(options, model.configuration());
+    if (!why_not.empty()) {
+        return fail(why_not, announce);
+    }
     const Descriptor listener(HOST_ListenAgent(options.node));
     if (!listener) {
         return fail(HOST_LastError(), announce);
     }
-    why_not = serve(options, listener.get(), announce);
+    why_not = serve(options, listener.get(), model, announce);
     char path[PATH_MAX];
     if (HOST_GetSocketPath(options.node, path, sizeof path) == 0) {
         ::unlink(path);

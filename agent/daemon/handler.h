@@ -2,7 +2,8 @@
 // its answer into reply. It returns 0 or the result code with which the request is refused; what it
 // had written is then dropped and a result reply takes its place.
 //
-// A handler that changes something writes nothing after the change that could fail for want of
+// What is configured is staged, answered by Answer::result and stored before the answer leaves. A
+// handler that changes something else writes nothing after the change that could fail for want of
 // memory: it reserves the room for its answer first.
 #pragma once
 
@@ -18,8 +19,52 @@ using Handler = uint32_t(const Request &request, Reply &reply, Model &model);
 
 // Instances
 Handler add_instance;
+Handler set_instance;
+Handler unset_instance;
+Handler activate_instance;
+Handler deactivate_instance;
+Handler set_option; // those that are one number
+Handler set_description;
+Handler set_datapath_id;
+Handler set_precedence;
+Handler set_flow_tables;
+Handler set_vlan_list;
+Handler set_in_band_vlans;
 Handler instance_exists;
 Handler next_instance;
+
+// Controllers
+Handler set_controller;
+Handler unset_controller;
+Handler set_auxiliary;
+Handler unset_auxiliary;
+Handler set_tls_policy;
+Handler unset_tls_policy;
+Handler set_excluded_controllers;
+Handler reset_controller_counters;
+
+// Ports
+Handler bind_port;
+Handler unbind_port;
+Handler shut_down_port;
+Handler start_port;
+
+// The whole switch
+Handler set_ignore;
+Handler set_ipv6_enhanced;
+Handler set_reserved_acl_resources;
+Handler refresh_ip_flow;
+Handler set_normal_forward_vlans;
+Handler set_oap_server;
+Handler unset_oap_server;
+Handler set_flow_monitor_action;
+Handler set_debug;
+Handler set_test_debug;
+Handler enable_analysis;
+Handler enable_payload;
+Handler analysis_packet_out;
+Handler config_event;
+Handler reset_cache;
 
 // Flow programming
 Handler smooth_start;

@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "config/store.h"
 #include "daemon/log.h"
 #include "ofp/host.h"
 #include "switch/switch.h"
@@ -26,7 +27,8 @@ constexpr const char *START_UP_OPTIONS =
     "  --Ipv6Enhanced              taken for the hardware they describe; no effect in memory\n"
     "\n"
     "Signals: SIGTERM and SIGINT end the agent, SIGHUP opens its log file again.\n"
-    "Environment: OFP_RUNTIME_DIR (socket, lock and log), OFP_HOST_CONFIG (the switch).\n";
+    "Environment: OFP_RUNTIME_DIR (socket, lock, log, configuration), OFP_HOST_CONFIG (the\n"
+    "switch).\n";
 
 Parsed wrong(std::string why_not) { return {false, WRONG_USAGE, std::move(why_not)}; }
 
@@ -93,6 +95,11 @@ Parsed parse_options(int argc, char **argv, Options &options)
         ->type_name("LEVEL");
     app.add_option("--log-file", options.log_file, "Log file (agent.log in the runtime directory)")
         ->type_name("FILE");
+    app.add_option(
+           "--store", options.store,
+           "The configuration's file (agent.db in the runtime directory); :memory: keeps it "
+           "for this run only")
+        ->type_name("FILE");
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success &asked) {
@@ -106,8 +113,10 @@ Parsed parse_options(int argc, char **argv, Options &options)
     if (node->empty()) {
         options.node = DEV_GetSystemMaster();
     }
-    if (!options.log_file.empty()) {
-        options.log_file = std::filesystem::absolute(options.log_file); // the folder will change
+    for (std::string *const file : {&options.log_file, &options.store}) {
+        if (!file->empty() && *file != STORE_IN_MEMORY) {
+            *file = std::filesystem::absolute(*file); // the folder will change
+        }
     }
     return parse_start_up(argv[0], app.remaining(), options.param);
 }

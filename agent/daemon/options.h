@@ -14,6 +14,7 @@ struct Options {
     bool foreground = false;
     std::string log_level = "info";
     std::string log_file; // empty: in the runtime directory
+    std::string store;    // the configuration's file; likewise
     OfpDaemonParam param{};
 };
 

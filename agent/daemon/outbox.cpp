@@ -76,6 +76,11 @@ void Outbox::rollback(Mark mark)
     count_ = mark.datagrams;
 }
 
+void Outbox::replace(size_t bytes, Bytes datagram)
+{
+    std::memcpy(block_.data() + head_ + bytes + sizeof(Length), datagram.data(), datagram.size());
+}
+
 size_t Outbox::front(std::span<Bytes> datagrams) const
 {
     size_t count = 0;

@@ -37,6 +37,10 @@ public:
     Mark mark() const { return {bytes(), count_}; }
     void rollback(Mark mark);
 
+    // Replaces the datagram that begins when bytes() was this by one of the same length; nothing
+    // may have been dropped since.
+    void replace(size_t bytes, Bytes datagram);
+
     // The first datagrams, as many as there are and fit; drop takes them away once they are sent.
     size_t front(std::span<Bytes> datagrams) const;
     void drop(size_t datagrams);

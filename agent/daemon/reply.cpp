@@ -6,9 +6,12 @@
 
 namespace agent {
 
-void Reply::result(uint32_t code)
+std::array<uint8_t, 16> result_reply(uint32_t code)
 {
-    record(OFP_MSG_RESULT, OFP_TLV_ErrCode, OfpErrCode{.code = code});
+    std::array<uint8_t, 16> reply{0, OFP_TLV_MsgHead, 0, 4, 0, 0, 0, 0, 0, OFP_TLV_ErrCode, 0, 4};
+    openflow::store<uint32_t>(&reply[4], OFP_MSG_RESULT);
+    openflow::store<uint32_t>(&reply[12], code);
+    return reply;
 }
 
 void Reply::begin(uint32_t code)

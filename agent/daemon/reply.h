@@ -1,6 +1,7 @@
 // What a handler answers with: one or more datagrams.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -12,6 +13,9 @@ namespace agent {
 // The longest datagram that the library's callers make room for.
 inline constexpr size_t REPLY_MAX = OFP_LARGE_DATAGRAM_SIZE;
 
+// A whole result reply.
+std::array<uint8_t, 16> result_reply(uint32_t code);
+
 class Reply {
 public:
     explicit Reply(Outbox &out) : out_(out) {}
@@ -21,7 +25,7 @@ public:
     void reserve(size_t datagrams, size_t bytes) { out_.reserve(datagrams, bytes); }
 
     // A result reply.
-    void result(uint32_t code);
+    void result(uint32_t code) { openflow(result_reply(code)); }
 
     // An OpenFlow message, which travels bare; of the second form, the room to write it to.
     void openflow(Bytes message) { out_.append(message); }

@@ -33,6 +33,20 @@
     X(NO_GROUP, 0x42300123, "the instance does not have this group")                               \
     /* configuration */                                                                            \
     X(NOT_STORED, 0x42300140, "the configuration cannot be stored; nothing was changed")           \
+    X(BAD_VALUE, 0x42300141, "a value is out of its range")                                        \
+    X(BAD_VLAN, 0x42300142, "a VLAN id is 1 to 4094")                                              \
+    X(BAD_VLAN_MAP, 0x42300143, "the length of a VLAN map is not that of its TLV")                 \
+    X(BAD_TEXT, 0x42300144, "a text is not terminated within its field")                           \
+    X(BAD_ADDRESS, 0x42300145, "an address is neither that of an IPv4 nor of an IPv6 host")        \
+    X(BAD_CONTROLLER_ID, 0x42300146, "a controller id is 0 to 63")                                 \
+    X(NO_CONTROLLER, 0x42300147, "the instance does not have this controller")                     \
+    X(BAD_AUXILIARY_ID, 0x42300148, "the id of an auxiliary connection is 1 to 255")               \
+    X(NO_AUXILIARY, 0x42300149, "the controller does not have this auxiliary connection")          \
+    X(NO_PORT, 0x4230014a, "the switch has no interface of this index")                            \
+    X(PORT_IN_USE, 0x4230014b, "the port is bound to another instance")                            \
+    X(NOT_BOUND, 0x4230014c, "the port is not bound to this instance")                             \
+    X(OTHER_INSTANCE, 0x4230014d, "the TLVs of the message name different instances")              \
+    X(TOO_MANY, 0x4230014e, "no more of these can be kept")                                        \
     /* queries */                                                                                  \
     X(NO_NEXT, 0x42300130, "there is no further entry")                                            \
     X(NOT_PRESENT, 0x42300131, "this switch has nothing of this kind")                             \

@@ -11,6 +11,7 @@
 
 #include "daemon/dispatch.h"
 #include "daemon/log.h"
+#include "daemon/reply.h"
 #include "ofp/host.h"
 
 namespace agent {
@@ -76,8 +77,11 @@ struct Server::Connection {
     Peer peer;
     bool heard = false;   // something was read from it
     bool ended = false;   // the client sends nothing more
+    bool held = false;    // until the configuration is committed
     short awaited = 0;    // events that the event below waits for
     size_t accounted = 0; // bytes of the queue that are part of the server's sum
+    size_t held_answer = 0;
+    uint32_t held_message = 0;
     event ready{};
     Outbox queue; // answers that the client has not taken yet
 };
@@ -89,6 +93,7 @@ Server::Server(event_base *base, int listener, Model &model, const QueueLimits &
     event_assign(&accept_event_, base_, listener_, EV_READ | EV_PERSIST, on_listener, this);
     event_assign(&retry_event_, base_, -1, 0, on_retry, this);
     event_assign(&work_event_, base_, -1, 0, on_work, this);
+    event_assign(&commit_event_, base_, -1, 0, on_commit, this);
     // Not at once: whoever publishes an event may be in the middle of answering a request.
     model_.applications.on_work = [this] { event_active(&work_event_, 0, 0); };
 }
@@ -104,6 +109,7 @@ Server::~Server()
     event_del(&accept_event_);
     event_del(&retry_event_);
     event_del(&work_event_);
+    event_del(&commit_event_);
 }
 
 bool Server::start()
@@ -161,6 +167,8 @@ Server::Connection *Server::open(int fd)
         if (idle_.empty()) {
             idle_.reserve(connections_.size() + 1);
             silent_.reserve(connections_.size() + 1);
+            held_.reserve(connections_.size() + 1);
+            released_.reserve(connections_.size() + 1);
             connections_.push_back(std::make_unique<Connection>());
             connections_.back()->number = static_cast<uint32_t>(connections_.size());
             idle_.push_back(connections_.back().get());
@@ -178,6 +186,7 @@ Server::Connection *Server::open(int fd)
     connection.peer = peer_of(fd, own_user_);
     connection.heard = false;
     connection.ended = false;
+    connection.held = false;
     connection.awaited = 0;
     silent_.push_back(&connection);
     return &connection;
@@ -187,6 +196,9 @@ void Server::close(Connection &connection)
 {
     if (connection.awaited != 0) {
         event_del(&connection.ready);
+    }
+    if (connection.held) {
+        std::erase(held_, &connection);
     }
     ::close(connection.fd);
     connection.fd = -1;
@@ -213,6 +225,9 @@ void Server::on_connection(int, short what, void *argument)
 
 void Server::tend(Connection &connection, short what)
 {
+    if (connection.held) {
+        return; // the commit is due, and reads on
+    }
     if (!connection.heard) {
         hear_silent(connection);
     }
@@ -224,6 +239,9 @@ void Server::go_on(Connection &connection, short what)
     bool open = flush_all(connection);
     if (open && (what & EV_READ)) {
         open = read_some(connection);
+    }
+    if (open && connection.held) {
+        return;
     }
     if (open && connection.ended && connection.queue.empty()) {
         open = false;
@@ -254,7 +272,7 @@ void Server::hear_silent(const Connection &newcomer)
 bool Server::read_some(Connection &connection)
 {
     Read read = Read::served;
-    for (int turn = 0; read == Read::served && turn < DATAGRAMS_PER_TURN &&
+    for (int turn = 0; read == Read::served && !connection.held && turn < DATAGRAMS_PER_TURN &&
                        connection.queue.bytes() + fresh_.bytes() <= queue_limit();
          ++turn) {
         read = read_one(connection);
@@ -286,17 +304,24 @@ Server::Read Server::read_one(Connection &connection)
 bool Server::serve(Connection &connection, Bytes datagram)
 {
     Outbox &out = connection.queue.empty() ? fresh_ : connection.queue;
+    const size_t before = out.bytes();
     Outcome outcome;
     if (!connection.peer.own_user) {
         outcome = refuse(datagram, OTHER_USER, out, model_);
     } else if (datagram.size() > DATAGRAM_MAX) {
         outcome = refuse(datagram, TOO_LONG, out, model_);
     } else {
-        outcome =
-            answer_and_commit(datagram, out, model_, {connection.number, connection.peer.pid});
+        outcome = answer(datagram, out, model_, {connection.number, connection.peer.pid});
     }
     if (outcome.code != 0) {
         log_refusal(outcome, connection.peer.pid);
+    }
+    if (outcome.awaits_commit) {
+        if (&out == &fresh_) {
+            std::swap(fresh_, connection.queue);
+        }
+        hold(connection, before, outcome);
+        return true;
     }
     if (connection.queue.bytes() > limits_.own + limits_.excess) {
         log::warning("process {} does not take its answers and is dropped", connection.peer.pid);
@@ -381,6 +406,43 @@ void Server::account(Connection &connection)
         scarce_ = false;
         event_active(&work_event_, 0, 0);
     }
+}
+
+// ---- Committing
+
+void Server::hold(Connection &connection, size_t answer, const Outcome &outcome)
+{
+    connection.held = true;
+    connection.held_answer = answer;
+    connection.held_message = outcome.message;
+    held_.push_back(&connection); // there is room for every connection
+    event_active(&commit_event_, EV_TIMEOUT, 0);
+}
+
+void Server::on_commit(int, short, void *server) { static_cast<Server *>(server)->commit(); }
+
+void Server::commit()
+{
+    const bool stored = model_.configuration().commit();
+    if (!stored) {
+        log::error("the configuration cannot be stored: {}", model_.configuration().failure());
+    }
+    std::swap(held_, released_);
+    for (Connection *const connection : released_) {
+        release(*connection, stored);
+    }
+    released_.clear();
+}
+
+void Server::release(Connection &connection, bool stored)
+{
+    connection.held = false;
+    if (!stored) {
+        ++model_.counters.refused;
+        log_refusal({.message = connection.held_message, .code = NOT_STORED}, connection.peer.pid);
+        connection.queue.replace(connection.held_answer, result_reply(NOT_STORED));
+    }
+    tend(connection, EV_READ);
 }
 
 // ---- Events

@@ -5,6 +5,10 @@
 // of its own. That queue is long enough for a client that sends a million rules before it reads the
 // first answer; while it is full, no more of the client's requests are read, so that it is the
 // client that waits. Events wait apart from answers and keep nothing from being read.
+//
+// A connection that configured something is held, neither read nor answered, until the
+// configuration is committed: after all connections that were ready with it were read, so that they
+// share the commit.
 #pragma once
 
 #include <cstdint>
@@ -16,6 +20,7 @@
 #include <event2/event.h>
 #include <event2/event_struct.h>
 
+#include "daemon/dispatch.h"
 #include "daemon/model.h"
 #include "daemon/outbox.h"
 
@@ -47,6 +52,7 @@ private:
     static void on_retry(int fd, short what, void *server);
     static void on_connection(int fd, short what, void *connection);
     static void on_work(int fd, short what, void *server);
+    static void on_commit(int fd, short what, void *server);
 
     void accept_all();
     void pause_accepting(int error);
@@ -73,6 +79,10 @@ private:
     void tend(Connection &connection, short what);
     void go_on(Connection &connection, short what);
 
+    void hold(Connection &connection, size_t answer, const Outcome &outcome);
+    void release(Connection &connection, bool stored);
+    void commit();
+
     event_base *base_;
     int listener_;
     uid_t own_user_;
@@ -81,6 +91,7 @@ private:
     event accept_event_{};
     event retry_event_{};
     event work_event_{};
+    event commit_event_{};
     bool accepting_ = false;
     bool scarce_ = false; // some client has been held back for want of memory
     size_t active_ = 0;
@@ -88,6 +99,8 @@ private:
     std::vector<std::unique_ptr<Connection>> connections_;
     std::vector<Connection *> idle_;
     std::vector<Connection *> silent_; // accepted, nothing read from them yet
+    std::vector<Connection *> held_;   // until the next commit
+    std::vector<Connection *> released_;
     std::unique_ptr<uint8_t[]> buffer_;
     Outbox fresh_; // answers on their way to a client that has none queued
 };

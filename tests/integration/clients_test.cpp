@@ -132,7 +132,7 @@ TEST_F(Clients, ThatSendNonsenseAreAnsweredAndHarmNothing)
     EXPECT_EQ(code_of({}), 0x42300100u);
     EXPECT_EQ(code_of({1, 2, 3}), 0x42300102u);
     EXPECT_EQ(code_of({0, 1, 0, 4, 0x7f, 0, 0, 1}), 0x42300103u);
-    EXPECT_EQ(code_of({0, 1, 0, 4, 0, 0, 0, 6}), 0x42300104u); // configuration
+    EXPECT_EQ(code_of({0, 1, 0, 4, 0, 0, 0, 6}), 0x42300106u); // configuration of nothing
     EXPECT_EQ(code_of({0, 1, 0, 4, 0x50, 0, 0, 1, 0, 121, 0, 16}), 0x42300105u);
     EXPECT_EQ(code_of(Datagram(65'000, 0xff)), 0x42300102u);
     EXPECT_EQ(code_of({0, 1, 0, 4, 0x50, 0, 0, 7}), 0x42300106u);

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "agent/daemon/messages.h"
+#include "agent/daemon/settings.h"
 
 namespace agent::test {
 namespace {
@@ -38,6 +39,31 @@ TEST(Dispatch, RefusesCodesThatNoMessageHas)
     EXPECT_EQ(ask_one(model, result(0)), result(UNKNOWN_MESSAGE)); // a reply is no request
 }
 
+TEST(Dispatch, AnswersEveryConfigurationMessage)
+{
+    Model model;
+    std::set<uint32_t> answered;
+    for (const auto &requests : {setting_requests(), unsetting_requests()}) {
+        for (const SettingRequest &request : requests) {
+            const bool has_answer = request.code != 22 && request.code != 35;
+            EXPECT_EQ(ask(model, request.datagram()),
+                      std::vector<Datagram>(has_answer ? 1 : 0, result(0)))
+                << request.code;
+            answered.insert(request.code);
+        }
+    }
+    size_t messages = 0;
+#define OFP_ROW(name, code)                                                                        \
+    if ((static_cast<uint32_t>(code) >> 28) == 0) {                                                \
+        ++messages;                                                                                \
+        EXPECT_TRUE(answered.contains(code)) << #name;                                             \
+    }
+    OFP_MESSAGE_CODES(OFP_ROW)
+#undef OFP_ROW
+    EXPECT_EQ(messages, 59u);
+    EXPECT_EQ(model.counters.refused, 0u);
+}
+
 TEST(Dispatch, SaysOfEveryOtherMessageThatItIsNotSupported)
 {
     const std::set<uint32_t> supported = {
@@ -49,13 +75,13 @@ TEST(Dispatch, SaysOfEveryOtherMessageThatItIsNotSupported)
     Model model;
     size_t others = 0;
 #define OFP_ROW(name, code)                                                                        \
-    if ((static_cast<uint32_t>(code) >> 28) != 2 && !supported.contains(code)) {                   \
+    if ((static_cast<uint32_t>(code) >> 28) % 4 == 1 && !supported.contains(code)) {               \
         ++others;                                                                                  \
         EXPECT_EQ(ask_one(model, head(code)), result(NOT_SUPPORTED)) << #name;                     \
     }
     OFP_MESSAGE_CODES(OFP_ROW)
 #undef OFP_ROW
-    EXPECT_GT(others, 50u);
+    EXPECT_GT(others, 0u);
 }
 
 TEST(Dispatch, EveryResultCodeHasItsOwnNumberAndSentence)
@@ -154,7 +180,7 @@ void expect_sane(Model &model, const Datagram &request)
     const auto exact = std::make_unique<uint8_t[]>(request.size() + 1);
     std::copy(request.begin(), request.end(), exact.get() + 1);
     Outbox out;
-    const Outcome outcome = answer({exact.get() + 1, request.size()}, out, model);
+    const Outcome outcome = answer_and_commit({exact.get() + 1, request.size()}, out, model);
     EXPECT_FALSE(outcome.hang_up);
     EXPECT_NE(std::strcmp(result_text(outcome.code), "unknown result code"), 0);
     while (!out.empty()) {
