@@ -1,97 +1,154 @@
+// Registered applications: app list and show.
+#include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <fmt/format.h>
 
 #include "daemon/result_codes.h"
 #include "frame/agent_link.h"
+#include "frame/context.h"
 #include "frame/interrupt.h"
 #include "ofp.h"
+#include "verbs/event_text.h"
 #include "verbs/nouns.h"
 #include "verbs/watch.h"
-#include "wire/record_text.h"
 
 namespace ofpctl {
 
 namespace {
 
-constexpr uint8_t last_app = 11;
+// The record by the names that the agent's answer gives its members.
+struct AppInfo {
+    uint8_t id = 0;
+    uint64_t subscriptions = 0; // bit n: event type n
+    uint64_t sent = 0;
+    uint64_t waiting = 0;
+    uint64_t dropped = 0;
+    uint32_t process = 0;
+    uint32_t age_seconds = 0;
+};
 
-// Nothing for an application that is not registered.
-std::optional<OfpAppPktStats> read_app(uint8_t id)
+// Nothing for an id that nobody is registered under.
+std::optional<AppInfo> read_app(uint8_t id)
 {
     OfpAppPktStats stats{};
     const uint32_t code = OFP_get_AppInfo(id, &stats);
-    if (code == agent::NOT_PRESENT || code == agent::NO_NEXT)
+    if (code == agent::NO_APPLICATION)
         return std::nullopt;
     require_success(code, fmt::format("application {}", id));
-    return stats;
+    return AppInfo{.id = id,
+                   .subscriptions = stats.value_u64_8[0],
+                   .sent = stats.value_u64_8[1],
+                   .waiting = stats.value_u64_8[2],
+                   .dropped = stats.value_u64_8[3],
+                   .process = stats.value_u32_80,
+                   .age_seconds = stats.value_u32_84};
 }
 
-void print_app(Output &out, uint8_t id, const OfpAppPktStats &stats)
+std::string subscribed(const AppInfo &app)
 {
-    if (out.json()) {
-        out.document().begin_object();
-        out.document().number("app", id);
-        write_record(out.document(), OFP_TLV_AppPktStats, &stats);
-        out.document().end();
-        return;
+    std::string text;
+    for (uint32_t type = 0; type < 64; type++) {
+        if ((app.subscriptions >> type & 1) != 0)
+            text += fmt::format("{}{}", text.empty() ? "" : ",", event_name(type));
     }
-    out.line(fmt::format("application {}", id));
-    out.write(record_lines(OFP_TLV_AppPktStats, &stats, 2));
+    return text.empty() ? "none" : text;
 }
 
-std::vector<uint8_t> ids_of(const Context &context)
+void write_json(JsonWriter &json, const AppInfo &app)
 {
-    std::vector<uint8_t> ids;
-    for (const std::string &operand : context.arguments.operands())
-        ids.push_back(static_cast<uint8_t>(require_number("ID", operand, 1, last_app)));
-    for (uint8_t id = 1; id <= last_app && context.arguments.operands().empty(); id++)
-        ids.push_back(id);
-    return ids;
+    json.number("app", app.id);
+    json.number("process", app.process);
+    json.number("age", app.age_seconds);
+    json.begin_array("events");
+    for (uint32_t type = 0; type < 64; type++) {
+        if ((app.subscriptions >> type & 1) != 0)
+            json.text({}, event_name(type));
+    }
+    json.end();
+    json.wide("sent", app.sent);
+    json.wide("waiting", app.waiting);
+    json.wide("dropped", app.dropped);
 }
 
 void print_apps(Context &context)
 {
-    const std::vector<uint8_t> ids = ids_of(context);
-    const bool named = !context.arguments.operands().empty();
     require_agent();
-    std::size_t shown = 0;
-    if (context.out.json())
-        context.out.document().begin_array("apps");
-    for (const uint8_t id : ids) {
+    Output &out = context.out;
+    if (out.json())
+        out.document().begin_array("apps");
+    else
+        out.line(fmt::format("{:>3} {:>8} {:>8} {:>10} {:>8} {:>8}  {}", "APP", "PROCESS", "AGE",
+                             "SENT", "WAITING", "DROPPED", "EVENTS"));
+    for (uint8_t id = first_app; id <= last_app; id++) {
         check_interrupt();
-        const std::optional<OfpAppPktStats> stats = read_app(id);
-        if (!stats && named)
-            throw Failure{.status = status_missing,
-                          .message = fmt::format("application {} is not registered", id)};
-        if (stats)
-            print_app(context.out, id, *stats);
-        shown += stats ? 1U : 0U;
+        const std::optional<AppInfo> app = read_app(id);
+        if (!app)
+            continue;
+        if (out.json()) {
+            out.document().begin_object();
+            write_json(out.document(), *app);
+            out.document().end();
+        } else {
+            out.line(fmt::format("{:>3} {:>8} {:>8} {:>10} {:>8} {:>8}  {}", app->id, app->process,
+                                 fmt::format("{}s", app->age_seconds), app->sent, app->waiting,
+                                 app->dropped, subscribed(*app)));
+        }
     }
-    if (context.out.json())
-        context.out.document().end();
-    else if (shown == 0)
-        context.out.line("no application is registered");
 }
 
-void show_apps(Context &context) { watch(context, print_apps); }
+void print_app(Context &context)
+{
+    const auto id = static_cast<uint8_t>(
+        require_number("ID", context.arguments.operands().front(), first_app, last_app));
+    require_agent();
+    const std::optional<AppInfo> app = read_app(id);
+    if (!app)
+        throw Failure{.status = status_missing,
+                      .code = agent::NO_APPLICATION,
+                      .message =
+                          fmt::format("application {}: nobody is registered under this id", id)};
+    if (context.out.json()) {
+        write_json(context.out.document(), *app);
+        return;
+    }
+    context.out.line(fmt::format("application     {}", app->id));
+    context.out.line(fmt::format("process         {}", app->process));
+    context.out.line(fmt::format("registered for  {}s", app->age_seconds));
+    context.out.line(fmt::format("subscribed to   {}", subscribed(*app)));
+    context.out.line(fmt::format("events sent     {}", app->sent));
+    context.out.line(fmt::format("events waiting  {}", app->waiting));
+    context.out.line(fmt::format("events dropped  {}", app->dropped));
+}
+
+void list_apps(Context &context) { watch(context, print_apps); }
+void show_app(Context &context) { watch(context, print_app); }
 
 constexpr OptionRow options[] = {watch_option, rounds_option};
 
-constexpr Example examples[] = {
-    {"ofpctl app show", "The packet counters of every registered application"},
+constexpr Example list_examples[] = {
+    {"ofpctl app list", "Lists who is registered and what became of their events"},
+};
+constexpr Example show_examples[] = {
+    {"ofpctl app show 3", "The same of one application"},
 };
 
 constexpr Verb rows[] = {
-    {.name = "show",
-     .run = show_apps,
-     .help = "Shows registered applications and their packet counters.",
-     .details = "Application ids are 1 to 11. Counters that only the agent gives a meaning go by "
-                "the names of the record's members.",
-     .operands = {"[ID...]", Kind::number, 0, last_app, 1, last_app},
+    {.name = "list",
+     .run = list_apps,
+     .help = "Lists the registered applications and their events.",
+     .details = "Waiting are events that an application has not read yet; the agent drops further "
+                "ones when 8192 wait.",
      .options = options,
-     .examples = examples},
+     .examples = list_examples},
+    {.name = "show",
+     .run = show_app,
+     .help = "Shows one application.",
+     .operands = {"ID", Kind::number, 1, 1, first_app, last_app},
+     .options = options,
+     .examples = show_examples},
 };
 
 } // namespace

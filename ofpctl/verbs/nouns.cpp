@@ -51,6 +51,7 @@ std::span<const Noun> nouns()
         {"summary", "All instances at a glance.", summary_verbs},
         {"resource", "Resources of the switch.", resource_verbs},
         {"app", "Registered applications.", app_verbs},
+        {"event", "Events of the agent.", event_verbs},
         {"msg", "Datagrams.", msg_verbs},
         {"completion", "Completion scripts for shells.", completion_verbs},
     };
