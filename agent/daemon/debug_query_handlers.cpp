@@ -1,4 +1,4 @@
-// Debugging switches and counters, ACL resources, servers of open applications.
+// Debugging switches and counters, ACL resources.
 #include "daemon/handler.h"
 #include "daemon/records.h"
 #include "daemon/reply_codes.h"
@@ -52,23 +52,6 @@ uint32_t acl_tables(const Request &request, Reply &reply, Model &model)
     reply.record(REPLY_ACL_TABLE_NUM, OFP_TLV_GetAclTableNum,
                  OfpGetAclTableNum{.count = model.start.acl_tables});
     return 0;
-}
-
-// No open application connects to this agent.
-uint32_t oap_clients(const Request &request, Reply &reply, Model &)
-{
-    if (const uint32_t code = at_end(request.body)) {
-        return code;
-    }
-    reply.record(OFP_MSG_OAP_CLIENT_NUM, OFP_TLV_OapClientNum, OfpOapClientNum{.count = 0});
-    return 0;
-}
-
-uint32_t oap_context(const Request &request, Reply &, Model &)
-{
-    OfpContext key;
-    const uint32_t code = take_only(request, OFP_TLV_Context, key);
-    return code ? code : NOT_PRESENT;
 }
 
 } // namespace agent

@@ -7,8 +7,10 @@
 #include <optional>
 #include <vector>
 
+#include "channel/controller_state.h"
 #include "config/configuration.h"
 #include "daemon/result_codes.h"
+#include "events/applications.h"
 #include "ofp.h"
 #include "switch/switch.h"
 
@@ -60,6 +62,8 @@ public:
 
     Counters counters;
     StartOptions start;
+    Applications applications;
+    ControllerStates controllers; // kept by whoever holds the connections
 
 private:
     void instance_changed(uint16_t id, const InstanceConfig *before,
