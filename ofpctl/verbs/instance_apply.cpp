@@ -265,7 +265,7 @@ void apply_instance(Context &context)
     Difference difference(plan, present);
     difference.find();
     print_difference(context.out, plan.id, difference.lines);
-    if (difference.changes.all.empty())
+    if (difference.changes.all.empty() && !context.out.json())
         return;
     difference.changes.refresh = [&] { present.record.read(plan.id); };
     difference.changes.terse = true;
