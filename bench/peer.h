@@ -79,6 +79,21 @@ private:
     sockaddr_un address_ = {};
 };
 
+// A connection that stays, over which many requests are under way at a time.
+class BareStream {
+public:
+    BareStream();
+    ~BareStream();
+    BareStream(const BareStream &) = delete;
+    BareStream &operator=(const BareStream &) = delete;
+
+    // So many requests, then a reply to each.
+    void run(const Bytes &request, std::size_t count) const;
+
+private:
+    int fd_ = -1;
+};
+
 // A request as the library sends it.
 template <class Record>
 Bytes request(uint32_t message, uint32_t type, const Record &record)

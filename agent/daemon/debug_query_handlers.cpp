@@ -55,20 +55,5 @@ uint32_t acl_tables(const Request &request, Reply &reply, Model &model)
 }
 
 // No open application connects to this agent.
-uint32_t oap_clients(const Request &request, Reply &reply, Model &)
-{
-    if (const uint32_t code = at_end(request.body)) {
-        return code;
-    }
-    reply.record(OFP_MSG_OAP_CLIENT_NUM, OFP_TLV_OapClientNum, OfpOapClientNum{.count = 0});
-    return 0;
-}
-
-uint32_t oap_context(const Request &request, Reply &, Model &)
-{
-    OfpContext key;
-    const uint32_t code = take_only(request, OFP_TLV_Context, key);
-    return code ? code : NOT_PRESENT;
-}
 
 } // namespace agent

@@ -96,6 +96,13 @@ constexpr Route ROUTES[] = {
     {OFP_MSG_SET_GROUP, set_group},
     {OFP_MSG_DEL_GROUP, delete_group},
 
+    {OFP_MSG_REGISTER_APP, register_application},
+    {OFP_MSG_REGISTER_EVENT, register_event, Answer::result},
+    {OFP_MSG_DEREGISTER_EVENT, deregister_event, Answer::result},
+    {OFP_MSG_GET_APP_INFO, application_info},
+    {OFP_MSG_GET_OAP_CLIENT_NUM, oap_client_count},
+    {OFP_MSG_GET_OAP_CONTEXT, oap_context},
+
     {OFP_MSG_GET_NEXT_TABLE_ID, next_table},
     {OFP_MSG_GET_TABLE_INFO, table_info},
     {OFP_MSG_MIB_GET_TABLE_INFO, mib_table_info},
@@ -142,8 +149,6 @@ constexpr Route ROUTES[] = {
     {OFP_MSG_GET_GLB_DBG_INFO_PKT, debug_packets},
     {OFP_MSG_GET_ACL_RESV, acl_reserved},
     {OFP_MSG_GET_ACL_TABLE_NUM, acl_tables},
-    {OFP_MSG_GET_OAP_CLIENT_NUM, oap_clients},
-    {OFP_MSG_GET_OAP_CONTEXT, oap_context},
 };
 
 // Requests are numbered from 1 within their family, which the upper four bits name.
@@ -214,7 +219,7 @@ Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcep
     const bool readable = read_request(datagram, request) == 0;
     Outcome outcome{.message = readable ? request.code : 0, .code = code};
     ++model.counters.refused;
-    const size_t before = out.bytes();
+    const Outbox::Mark before = out.mark();
     try {
         Reply(out).result(code);
     } catch (const std::bad_alloc &) {
@@ -224,11 +229,12 @@ Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcep
     return outcome;
 }
 
-Outcome answer(Bytes datagram, Outbox &out, Model &model) noexcept
+Outcome answer(Bytes datagram, Outbox &out, Model &model, Sender sender) noexcept
 {
     ++model.counters.datagrams;
-    const size_t before = out.bytes();
+    const Outbox::Mark before = out.mark();
     Request request;
+    request.sender = sender;
     uint32_t code = read_request(datagram, request);
     try {
         code = code ? code : carry_out(request, out, model);
@@ -245,10 +251,10 @@ Outcome answer(Bytes datagram, Outbox &out, Model &model) noexcept
     return refuse(datagram, code, out, model);
 }
 
-Outcome answer_and_commit(Bytes datagram, Outbox &out, Model &model) noexcept
+Outcome answer_and_commit(Bytes datagram, Outbox &out, Model &model, Sender sender) noexcept
 {
-    const size_t before = out.bytes();
-    const Outcome outcome = answer(datagram, out, model);
+    const Outbox::Mark before = out.mark();
+    const Outcome outcome = answer(datagram, out, model, sender);
     if (!outcome.awaits_commit || model.configuration().commit()) {
         return outcome;
     }

@@ -73,6 +73,14 @@ Handler flow_rules;
 Handler set_group;
 Handler delete_group;
 
+// Applications
+Handler register_application;
+Handler register_event;
+Handler deregister_event;
+Handler application_info;
+Handler oap_client_count;
+Handler oap_context;
+
 // Tables
 Handler next_table;
 Handler table_info;
@@ -125,7 +133,5 @@ Handler debug_info;
 Handler debug_packets;
 Handler acl_reserved;
 Handler acl_tables;
-Handler oap_clients;
-Handler oap_context;
 
 } // namespace agent

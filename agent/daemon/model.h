@@ -7,8 +7,10 @@
 #include <optional>
 #include <vector>
 
+#include "channel/controller_state.h"
 #include "config/configuration.h"
 #include "daemon/result_codes.h"
+#include "events/applications.h"
 #include "ofp.h"
 #include "switch/switch.h"
 
@@ -59,6 +61,8 @@ public:
     const Switch &flow_switch() const { return flow_switch_; }
 
     Counters counters;
+    Applications applications;
+    ControllerStates controllers; // kept by whoever holds the connections
     StartOptions start;
 
 private:

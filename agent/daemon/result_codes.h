@@ -51,7 +51,11 @@
     X(TOO_MANY, 0x4230014e, "no more of these can be kept")                                        \
     /* queries */                                                                                  \
     X(NO_NEXT, 0x42300130, "there is no further entry")                                            \
-    X(NOT_PRESENT, 0x42300131, "this switch has nothing of this kind")
+    X(NOT_PRESENT, 0x42300131, "this switch has nothing of this kind")                             \
+    /* applications */                                                                             \
+    X(NO_APPLICATION, 0x42300150, "no application is registered under this id")                    \
+    X(BAD_APPLICATION, 0x42300151, "an application id is 1 to 11")                                 \
+    X(BAD_EVENT, 0x42300152, "an event type is 1 to 63")
 
 namespace agent {
 

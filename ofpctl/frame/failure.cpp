@@ -70,6 +70,7 @@ int status_of(uint32_t code)
     case agent::NO_TABLE:
     case agent::NO_RULE:
     case agent::NO_GROUP:
+    case agent::NO_APPLICATION:
     case agent::NOT_PRESENT:
     case agent::NO_METER:
     case agent::NO_CONTROLLER:
