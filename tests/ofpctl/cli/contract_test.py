@@ -29,7 +29,7 @@ class HelpTest(SandboxTest):
             ["agent start", "agent stop", "agent status", "agent doctor", "instance add",
              "instance set", "instance apply", "instance show", "instance list", "instance activate",
              "instance deactivate", "instance del", "controller set", "controller list",
-             "controller show", "controller del", "vlan set", "port bind", "port unbind",
+             "controller show", "controller reset", "controller del", "vlan set", "port bind", "port unbind",
              "port shutdown", "port start", "port list", "global set", "global show", "debug set",
              "debug show", "smooth start", "smooth end", "flow add", "flow mod", "flow del",
              "flow load", "flow replace", "flow diff", "flow show", "flow count", "flow check",
