@@ -29,13 +29,13 @@ class HelpTest(SandboxTest):
             ["agent start", "agent stop", "agent status", "agent doctor", "instance add",
              "instance set", "instance apply", "instance show", "instance list", "instance activate",
              "instance deactivate", "instance del", "controller set", "controller list",
-             "controller show", "controller del", "vlan set", "port bind", "port unbind",
+             "controller show", "controller reset", "controller del", "vlan set", "port bind", "port unbind",
              "port shutdown", "port start", "port list", "global set", "global show", "debug set",
              "debug show", "smooth start", "smooth end", "flow add", "flow mod", "flow del",
              "flow load", "flow replace", "flow diff", "flow show", "flow count", "flow check",
              "flow format", "group add", "group list", "group show", "group del", "meter list",
              "meter show", "table list", "table show", "packet trace", "packet send", "summary show",
-             "resource show", "app show", "msg decode", "completion bash", "completion zsh",
+             "resource show", "msg decode", "completion bash", "completion zsh",
              "completion fish"])
 
     def test_every_command_explains_itself_in_three_ways(self):
@@ -179,7 +179,7 @@ class NoAgentTest(SandboxTest):
                       ["global", "set", "ignore=1"], ["global", "show"], ["debug", "set", "key0=1"],
                       ["debug", "show", "1", "0"], ["controller", "list", "1"], ["controller", "show", "1", "0"],
                       ["group", "list"], ["group", "show", "1"], ["meter", "list"], ["meter", "show", "1"],
-                      ["table", "show", "200"], ["summary"], ["resource", "show"], ["app", "show"],
+                      ["table", "show", "200"], ["summary"], ["resource", "show"],
                       ["smooth", "start"], ["smooth", "end"]):
             with self.subTest(" ".join(words)):
                 result = self.run_fails(3, *words)
