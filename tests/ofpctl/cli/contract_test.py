@@ -29,7 +29,8 @@ class HelpTest(SandboxTest):
             ["agent start", "agent stop", "agent status", "agent doctor", "instance add",
              "smooth start", "smooth end", "flow add", "flow mod", "flow del", "flow load",
              "flow replace", "flow diff", "flow show", "flow count", "flow check", "flow format",
-             "group add", "group del", "table show", "completion bash", "completion zsh",
+             "group add", "group del", "table show", "app list", "app show",
+             "event monitor", "completion bash", "completion zsh",
              "completion fish"])
 
     def test_every_command_explains_itself_in_three_ways(self):
