@@ -70,8 +70,16 @@ class ExamplesTest(SandboxTest):
             self.run_ok("smooth", "start")
         elif (noun, verb) in (("agent", "status"), ("agent", "doctor"), ("instance", "add")):
             self.run_ok("agent", "start")
+        elif (noun, verb) == ("app", "show"):
+            self.register_application("3")
         elif verb in ("load", "mod", "replace"):
             self.delete_all()
+
+    def register_application(self, number):
+        monitor = self.sandbox.start("event", "monitor", "--app", number)
+        self.addCleanup(monitor.communicate)
+        self.addCleanup(monitor.kill)
+        self.wait_until(lambda: self.sandbox.run("app", "show", number).status == 0)
 
     def test_every_example(self):
         for noun, verb in commands(self.sandbox):
