@@ -27,7 +27,8 @@ namespace ofpctl {
 namespace {
 
 constexpr uint32_t events_at_once = 256;
-constexpr std::chrono::milliseconds retry_pause{200};
+constexpr std::chrono::milliseconds retry_pause{50};
+constexpr std::chrono::seconds longest_going{5}; // of an agent that hung up
 
 // The library's callback has no argument of its caller's and lets nothing be thrown through it:
 // what it is told waits here.
@@ -225,16 +226,32 @@ private:
     Deadline deadline_;
 };
 
-// The agent has ended the connection: it is gone, or another process took the application's id.
-Failure why_it_ended(uint8_t app)
+// The process that is registered; 0 also when the agent does not say.
+uint32_t successor(uint8_t app)
 {
     try {
-        require_same_agent();
-    } catch (Failure &gone) {
-        gone.status = status_no_agent; // also when another one runs by now
-        return gone;
+        return registered_process(app);
+    } catch (const Failure &) {
+        return 0;
     }
-    return {.message = fmt::format("another process registered as application {}", app)};
+}
+
+// The agent has ended the connection: it is going, or another process took the application's id.
+Failure why_it_ended(uint8_t app)
+{
+    if (const uint32_t process = successor(app))
+        return {.message = fmt::format("process {} registered as application {}", process, app)};
+    const Clock::time_point end = Clock::now() + longest_going;
+    while (Clock::now() < end) {
+        try {
+            require_same_agent();
+        } catch (Failure &gone) {
+            gone.status = status_no_agent; // also when another one runs by now
+            return gone;
+        }
+        pause_for(retry_pause);
+    }
+    return {.message = "the agent ended the connection; its log says why"};
 }
 
 // Waits until an agent can be asked again; false when the time is up first.
