@@ -30,7 +30,7 @@ double median(std::vector<double> &values)
 // An agent filled to a size. Rounds add new rules and delete as many of the oldest.
 class Filled {
 public:
-    explicit Filled(uint32_t size) : rules_(part)
+    Filled(uint32_t size, uint32_t masks) : rules_(part, masks)
     {
         open();
         while (next_ < size)
@@ -95,10 +95,10 @@ private:
 };
 
 // The sizes take turns, so that whatever else the machine does meets both.
-void run(benchmark::State &state)
+void run(benchmark::State &state, uint32_t masks)
 {
-    Filled small(10'000);
-    Filled large(1'000'000);
+    Filled small(10'000, masks);
+    Filled large(1'000'000, masks);
     for (auto _ : state) {
         small.round();
         large.round();
@@ -113,23 +113,30 @@ void run(benchmark::State &state)
     state.counters["delete_1M_passed"] = large.delete_passed();
 }
 
+void demand(std::vector<bench::Demand> &demands, const std::string &rules, const std::string &what)
+{
+    const auto row = [&](const char *clock, const std::string &suffix) {
+        demands.push_back({what + ", a million rules to ten thousand, " + rules + ", " + clock,
+                           {rules, what + "_1M" + suffix},
+                           {rules, what + "_10k" + suffix},
+                           bench::Sense::at_most,
+                           1.2});
+    };
+    row("the agent's processor time", "");
+    row("time passed", "_passed");
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const std::string name = "wire";
-    benchmark::RegisterBenchmark(name.c_str(), run)->Iterations(rounds)->Repetitions(1);
     std::vector<bench::Demand> demands;
-    for (const std::string what : {"add", "delete"}) {
-        const auto row = [&](const char *clock, const std::string &suffix) {
-            demands.push_back({what + " over the wire, a million rules to ten thousand, " + clock,
-                               {name, what + "_1M" + suffix},
-                               {name, what + "_10k" + suffix},
-                               bench::Sense::at_most,
-                               1.2});
-        };
-        row("the agent's processor time", "");
-        row("time passed", "_passed");
-    }
+    const auto rules = [&](const char *name, uint32_t masks) {
+        benchmark::RegisterBenchmark(name, run, masks)->Iterations(rounds)->Repetitions(1);
+        demand(demands, name, "add");
+        demand(demands, name, "delete");
+    };
+    rules("five-tuples", 1);
+    rules("200 masks", 200);
     return bench::run(argc, argv, demands);
 }

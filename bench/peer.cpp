@@ -143,11 +143,15 @@ EchoPeer::~EchoPeer()
 
 // ---- The agent
 
-Agent::Agent()
+Agent::Agent(Store store)
 {
     use();
-    check(OFP_util_StartDaemon() == 0, "the agent");
+    const std::filesystem::path program =
+        std::filesystem::read_symlink("/proc/self/exe").replace_filename("ofp-agent");
+    const std::string options = store == Store::memory ? " --store :memory:" : "";
+    check(std::system((program.string() + options).c_str()) == 0, "the agent");
     process_ = HOST_GetAgentPid(0);
+    check(process_ > 0, "the agent's process");
 }
 
 Agent::~Agent()
@@ -169,25 +173,60 @@ double Agent::processor_time() const
 
 // ---- The bare exchange
 
-BareExchange::BareExchange()
+namespace {
+
+sockaddr_un agent_address()
 {
-    address_.sun_family = AF_UNIX;
-    check(HOST_GetSocketPath(0, address_.sun_path, sizeof address_.sun_path) == 0, "the path");
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    check(HOST_GetSocketPath(0, address.sun_path, sizeof address.sun_path) == 0, "the path");
+    return address;
 }
 
-void BareExchange::run(const Bytes &request, std::size_t replies) const
+int connected_socket(const sockaddr_un &address)
 {
-    uint8_t reply[OFP_DATAGRAM_SIZE];
     const int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
     const timeval limit{30, 0};
     setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
     setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-    check(connect(fd, reinterpret_cast<const sockaddr *>(&address_), sizeof address_) == 0 &&
-              send(fd, request.data(), request.size(), MSG_NOSIGNAL) > 0,
-          "a bare request");
-    for (std::size_t i = 0; i < replies; ++i)
+    check(connect(fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0,
+          "a connection");
+    return fd;
+}
+
+void send_request(int fd, const Bytes &request)
+{
+    check(send(fd, request.data(), request.size(), MSG_NOSIGNAL) > 0, "a bare request");
+}
+
+void take_replies(int fd, std::size_t count)
+{
+    uint8_t reply[OFP_DATAGRAM_SIZE];
+    for (std::size_t i = 0; i < count; ++i)
         check(recv(fd, reply, sizeof reply, 0) > 0, "a bare reply");
+}
+
+} // namespace
+
+BareExchange::BareExchange() : address_(agent_address()) {}
+
+void BareExchange::run(const Bytes &request, std::size_t replies) const
+{
+    const int fd = connected_socket(address_);
+    send_request(fd, request);
+    take_replies(fd, replies);
     close(fd);
+}
+
+BareStream::BareStream() : fd_(connected_socket(agent_address())) {}
+
+BareStream::~BareStream() { close(fd_); }
+
+void BareStream::run(const Bytes &request, std::size_t count) const
+{
+    for (std::size_t i = 0; i < count; ++i)
+        send_request(fd_, request);
+    take_replies(fd_, count);
 }
 
 } // namespace bench

@@ -51,10 +51,13 @@ private:
     pid_t process_ = -1;
 };
 
-// A real agent, stopped at the end.
+// A real agent, stopped at the end. What is configured it keeps in its runtime directory, or in
+// memory.
 class Agent {
 public:
-    Agent();
+    enum class Store { file, memory };
+
+    explicit Agent(Store store = Store::file);
     ~Agent();
     Agent(const Agent &) = delete;
     Agent &operator=(const Agent &) = delete;
@@ -77,6 +80,21 @@ public:
 
 private:
     sockaddr_un address_ = {};
+};
+
+// A connection that stays, over which many requests are under way at a time.
+class BareStream {
+public:
+    BareStream();
+    ~BareStream();
+    BareStream(const BareStream &) = delete;
+    BareStream &operator=(const BareStream &) = delete;
+
+    // So many requests, then a reply to each.
+    void run(const Bytes &request, std::size_t count) const;
+
+private:
+    int fd_ = -1;
 };
 
 // A request as the library sends it.

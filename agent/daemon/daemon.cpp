@@ -12,6 +12,7 @@
 
 #include <event2/event.h>
 
+#include "channel/channels.h"
 #include "daemon/log.h"
 #include "daemon/server.h"
 #include "ofp/host.h"
@@ -149,6 +150,7 @@ std::string serve(const Options &options, int listener, Model &model, const Anno
         return "the event loop cannot be created";
     }
     Server server(base.get(), listener, model);
+    const Channels channels(base.get(), model);
     const Event signals[] = {
         Event(evsignal_new(base.get(), SIGTERM, on_end, base.get())),
         Event(evsignal_new(base.get(), SIGINT, on_end, base.get())),
@@ -195,6 +197,10 @@ int run(const Options &options, const Announce &announce)
     }
     raise_descriptor_limit();
     Model model({.rules_per_table = options.param.ACLMaxFlowEntry});
+    model.start.reserved_acl_resources = options.param.ResvAclRes;
+    if (options.param.ACLTableNum != 0) {
+        model.start.acl_tables = options.param.ACLTableNum;
+    }
     why_not = load_configuration(options, model.configuration());
     if (!why_not.empty()) {
         return fail(why_not, announce);

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "daemon/handler.h"
+#include "daemon/packet_message.h"
 
 namespace agent {
 
@@ -95,6 +96,13 @@ constexpr Route ROUTES[] = {
     {OFP_MSG_SET_GROUP, set_group},
     {OFP_MSG_DEL_GROUP, delete_group},
 
+    {OFP_MSG_REGISTER_APP, register_application},
+    {OFP_MSG_REGISTER_EVENT, register_event, Answer::result},
+    {OFP_MSG_DEREGISTER_EVENT, deregister_event, Answer::result},
+    {OFP_MSG_GET_APP_INFO, application_info},
+    {OFP_MSG_GET_OAP_CLIENT_NUM, oap_client_count},
+    {OFP_MSG_GET_OAP_CONTEXT, oap_context},
+
     {OFP_MSG_GET_NEXT_TABLE_ID, next_table},
     {OFP_MSG_GET_TABLE_INFO, table_info},
     {OFP_MSG_MIB_GET_TABLE_INFO, mib_table_info},
@@ -112,11 +120,40 @@ constexpr Route ROUTES[] = {
     {OFP_MSG_GET_GROUP_TABLE, group_table},
     {OFP_MSG_GET_NEXT_GROUP_ID, next_group},
     {OFP_MSG_GET_GROUP_SUMMARY, group_summary},
+
+    {OFP_MSG_GET_GROUP_REF_RULE, group_references},
+    {OFP_MSG_GET_NEXT_SMART_GROUP_ID, next_smart_group},
+
+    {OFP_MSG_GET_METER_TABLE, meter_table},
+    {OFP_MSG_GET_SPEC_METER_ENTRY, meter_entry},
+    {OFP_MSG_GET_NEXT_METER_ENTRY, next_meter_entry},
+    {OFP_MSG_GET_METER_REF_RULE, meter_references},
+
+    {MSG_PACKET, packet},
+
+    {OFP_MSG_GET_INST_ACTIVE, instance_active},
+    {OFP_MSG_GET_SUMMARY, summary},
+    {OFP_MSG_GET_VERBOSE_GLB, verbose_global},
+    {OFP_MSG_GET_VERBOSE_CFG, verbose_configured},
+    {OFP_MSG_GET_VERBOSE_RUN, verbose_running},
+    {OFP_MSG_GET_VERBOSE_IF, instance_interfaces},
+    {OFP_MSG_GET_GLB_CFG_VERBOSE, verbose_global_config},
+    {OFP_MSG_GET_CTRL_INFO, controller_info},
+    {OFP_MSG_GET_NEXT_CTRL, next_controller},
+    {OFP_MSG_GET_CTRL_CFG_INFO, controller_config},
+    {OFP_MSG_GET_CTRL_PKT_INFO, controller_packets},
+    {OFP_MSG_GET_AUX_INFO, auxiliary_info},
+    {OFP_MSG_GET_AC_PORT_INFO, attachment_ports},
+    {OFP_MSG_GET_RESOURCES_IF, interface_resources},
+    {OFP_MSG_GET_GLB_DBG_INFO, debug_info},
+    {OFP_MSG_GET_GLB_DBG_INFO_PKT, debug_packets},
+    {OFP_MSG_GET_ACL_RESV, acl_reserved},
+    {OFP_MSG_GET_ACL_TABLE_NUM, acl_tables},
 };
 
 // Requests are numbered from 1 within their family, which the upper four bits name.
 constexpr size_t FAMILY_SIZE = 64;
-constexpr size_t SLOTS = 6 * FAMILY_SIZE;
+constexpr size_t SLOTS = 7 * FAMILY_SIZE;
 
 constexpr size_t slot_of(uint32_t message)
 {
@@ -136,6 +173,7 @@ constexpr auto ENTRIES = [] {
 #define OFP_ROW(name, code) entries[slot_of(static_cast<uint32_t>(code))] = {#name, nullptr};
     OFP_MESSAGE_CODES(OFP_ROW)
 #undef OFP_ROW
+    entries[slot_of(MSG_PACKET)].name = "PACKET"; // this agent's own
     for (const Route &route : ROUTES) {
         entries[slot_of(route.message)].route = &route;
     }
@@ -181,7 +219,7 @@ Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcep
     const bool readable = read_request(datagram, request) == 0;
     Outcome outcome{.message = readable ? request.code : 0, .code = code};
     ++model.counters.refused;
-    const size_t before = out.bytes();
+    const Outbox::Mark before = out.mark();
     try {
         Reply(out).result(code);
     } catch (const std::bad_alloc &) {
@@ -191,11 +229,12 @@ Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcep
     return outcome;
 }
 
-Outcome answer(Bytes datagram, Outbox &out, Model &model) noexcept
+Outcome answer(Bytes datagram, Outbox &out, Model &model, Sender sender) noexcept
 {
     ++model.counters.datagrams;
-    const size_t before = out.bytes();
+    const Outbox::Mark before = out.mark();
     Request request;
+    request.sender = sender;
     uint32_t code = read_request(datagram, request);
     try {
         code = code ? code : carry_out(request, out, model);
@@ -212,10 +251,10 @@ Outcome answer(Bytes datagram, Outbox &out, Model &model) noexcept
     return refuse(datagram, code, out, model);
 }
 
-Outcome answer_and_commit(Bytes datagram, Outbox &out, Model &model) noexcept
+Outcome answer_and_commit(Bytes datagram, Outbox &out, Model &model, Sender sender) noexcept
 {
-    const size_t before = out.bytes();
-    const Outcome outcome = answer(datagram, out, model);
+    const Outbox::Mark before = out.mark();
+    const Outcome outcome = answer(datagram, out, model, sender);
     if (!outcome.awaits_commit || model.configuration().commit()) {
         return outcome;
     }

@@ -19,10 +19,10 @@ struct Outcome {
 // Answers one datagram. Whatever it holds, the model stays whole and nothing is thrown. What awaits
 // a commit has a result reply for its answer, which must not be sent before; when the commit fails,
 // it is to be refused.
-Outcome answer(Bytes datagram, Outbox &out, Model &model) noexcept;
+Outcome answer(Bytes datagram, Outbox &out, Model &model, Sender sender = {}) noexcept;
 
 // The same with the commit.
-Outcome answer_and_commit(Bytes datagram, Outbox &out, Model &model) noexcept;
+Outcome answer_and_commit(Bytes datagram, Outbox &out, Model &model, Sender sender = {}) noexcept;
 
 // Refuses whatever the datagram holds.
 Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcept;

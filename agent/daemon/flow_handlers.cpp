@@ -1,9 +1,8 @@
 // Flow programming: smooth periods, rule batches, groups. Answered by bare OpenFlow messages, one a
 // datagram, because their readers match them to rules by transaction id.
-#include <optional>
-
 #include "daemon/handler.h"
 #include "daemon/log.h"
+#include "daemon/program.h"
 #include "openflow/message.h"
 #include "openflow/reply.h"
 
@@ -21,8 +20,6 @@ constexpr size_t ANSWER_MAX = 12 + openflow::ERROR_DATA_MAX;
 constexpr uint8_t BARRIER_REQUEST[openflow::HEADER_SIZE] = {
     openflow::OFP_VERSION, openflow::OFPT_BARRIER_REQUEST, 0, openflow::HEADER_SIZE, 0, 0, 0, 0};
 
-using Verdict = std::optional<openflow::Error>;
-
 // Rules and groups are taken from a client that opened a smooth period in this agent's life: an
 // agent that was started again has lost the rules of earlier ones, and their owners must learn it.
 Verdict check_head(const OfpClientHead &head, const Model &model)
@@ -31,42 +28,21 @@ Verdict check_head(const OfpClientHead &head, const Model &model)
     return permitted ? std::nullopt : Verdict(NOT_PERMITTED);
 }
 
-Verdict apply_flow_mod(const OfpClientHead &head, Bytes message, Model &model)
-{
-    if (message.size() >= openflow::FLOW_MOD_SIZE) {
-        constexpr size_t TABLE_ID = 24;
-        constexpr size_t COMMAND = 25;
-        const uint8_t table = message[TABLE_ID];
-        const bool all_tables =
-            table == openflow::OFPTT_ALL && (message[COMMAND] == openflow::OFPFC_DELETE ||
-                                             message[COMMAND] == openflow::OFPFC_DELETE_STRICT);
-        if (!all_tables && !model.table(head.client_id, table)) {
-            return openflow::Error{openflow::OFPET_FLOW_MOD_FAILED, openflow::OFPFMFC_BAD_TABLE_ID};
-        }
-    }
-    return model.flow_switch().flow_mod(head.client_id, message);
-}
-
 // What the messages of a datagram may be, barrier requests apart.
-using Apply = Verdict(const OfpClientHead &, Bytes, Model &);
+using Apply = Verdict(uint16_t client, Bytes, Model &);
 struct Kind {
     uint8_t type;
     Apply *apply;
 };
 
-Verdict apply_group_mod(const OfpClientHead &head, Bytes message, Model &model)
-{
-    return model.flow_switch().group_mod(head.client_id, message);
-}
-
-Verdict apply_group_delete(const OfpClientHead &head, Bytes message, Model &model)
+Verdict apply_group_delete(uint16_t client, Bytes message, Model &model)
 {
     constexpr size_t COMMAND = 8;
     if (message.size() >= openflow::GROUP_MOD_SIZE &&
         openflow::load16(&message[COMMAND]) != openflow::OFPGC_DELETE) {
         return openflow::Error{openflow::OFPET_GROUP_MOD_FAILED, openflow::OFPGMFC_BAD_COMMAND};
     }
-    return apply_group_mod(head, message, model);
+    return apply_group_mod(client, message, model);
 }
 
 void answer_error(const OfpClientHead &head, Bytes message, openflow::Error error, Reply &reply,
@@ -104,7 +80,7 @@ void answer_message(const OfpClientHead &head, const Verdict &refused, Bytes mes
     }
     ++model.counters.messages;
     if (!error) {
-        error = refused ? refused : kind.apply(head, message, model);
+        error = refused ? refused : kind.apply(head.client_id, message, model);
     }
     if (error) {
         answer_error(head, message, *error, reply, model);

@@ -73,6 +73,14 @@ Handler flow_rules;
 Handler set_group;
 Handler delete_group;
 
+// Applications
+Handler register_application;
+Handler register_event;
+Handler deregister_event;
+Handler application_info;
+Handler oap_client_count;
+Handler oap_context;
+
 // Tables
 Handler next_table;
 Handler table_info;
@@ -93,5 +101,37 @@ Handler miss_rule_info;
 Handler group_table;
 Handler next_group;
 Handler group_summary;
+
+Handler group_references;
+Handler next_smart_group;
+
+// Meters
+Handler meter_table;
+Handler meter_entry;
+Handler next_meter_entry;
+Handler meter_references;
+
+// Packets
+Handler packet;
+
+// What is configured, and how it stands
+Handler instance_active;
+Handler summary;
+Handler verbose_global;
+Handler verbose_configured;
+Handler verbose_running;
+Handler verbose_global_config;
+Handler controller_info;
+Handler next_controller;
+Handler controller_config;
+Handler controller_packets;
+Handler auxiliary_info;
+Handler instance_interfaces;
+Handler attachment_ports;
+Handler interface_resources;
+Handler debug_info;
+Handler debug_packets;
+Handler acl_reserved;
+Handler acl_tables;
 
 } // namespace agent

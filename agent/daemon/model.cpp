@@ -107,15 +107,17 @@ bool Model::is_admitted(uint16_t client) const
     return is_client(client) && admitted_[client_index(client)];
 }
 
-// Rules go with their table.
+// Rules go with their table. Those of an instance that is not a client's came from its controllers
+// and go when it is no longer active.
 void Model::instance_changed(uint16_t id, const InstanceConfig *before,
                              const InstanceConfig *after) noexcept
 {
-    if (!is_client(id) || !before) {
+    if (!before) {
         return;
     }
+    const bool ends = !is_client(id) && before->active && after && !after->active;
     for (const OfpFlowTable &table : before->tables) {
-        if (!after || !after->table(table.table_id)) {
+        if (ends || !after || !after->table(table.table_id)) {
             empty_table(flow_switch_, id, table.table_id);
         }
     }

@@ -7,8 +7,10 @@
 #include <optional>
 #include <vector>
 
+#include "channel/controller_state.h"
 #include "config/configuration.h"
 #include "daemon/result_codes.h"
+#include "events/applications.h"
 #include "ofp.h"
 #include "switch/switch.h"
 
@@ -20,6 +22,12 @@ struct Counters {
     uint64_t refused = 0;
     uint64_t messages = 0; // OpenFlow messages in them, barriers apart
     uint64_t errors = 0;   // answered by an OpenFlow error
+};
+
+// What the agent was started with, as far as queries tell it.
+struct StartOptions {
+    uint16_t reserved_acl_resources = 0;
+    uint32_t acl_tables = 1;
 };
 
 class Model : private ConfigurationObserver {
@@ -53,6 +61,9 @@ public:
     const Switch &flow_switch() const { return flow_switch_; }
 
     Counters counters;
+    StartOptions start;
+    Applications applications;
+    ControllerStates controllers; // kept by whoever holds the connections
 
 private:
     void instance_changed(uint16_t id, const InstanceConfig *before,

@@ -7,6 +7,7 @@ namespace agent {
 namespace {
 
 constexpr size_t KEPT_WHEN_EMPTY = size_t{256} * 1024; // a larger block is given back
+constexpr size_t RECLAIMED = size_t{16} * 1024;        // less is not worth a move
 
 uint32_t length_at(const uint8_t *at)
 {
@@ -19,13 +20,20 @@ uint32_t length_at(const uint8_t *at)
 
 void Outbox::reserve(size_t datagrams, size_t bytes)
 {
+    reclaim();
     const size_t needed = block_.size() + datagrams * sizeof(Length) + bytes;
-    if (needed > block_.capacity() && head_ > 0) {
+    if (needed > block_.capacity()) {
+        block_.reserve(needed > 2 * block_.capacity() ? needed : 2 * block_.capacity());
+    }
+}
+
+// Gives back the room of what was sent once that is the larger part, so that each byte is moved
+// once at most however long the queue is never empty.
+void Outbox::reclaim()
+{
+    if (head_ >= RECLAIMED && head_ > block_.size() / 2) {
         block_.erase(block_.begin(), block_.begin() + static_cast<std::ptrdiff_t>(head_));
         head_ = 0;
-        reserve(datagrams, bytes);
-    } else if (needed > block_.capacity()) {
-        block_.reserve(needed > 2 * block_.capacity() ? needed : 2 * block_.capacity());
     }
 }
 
@@ -44,6 +52,7 @@ uint8_t *Outbox::append(size_t bytes)
 
 void Outbox::begin()
 {
+    reclaim();
     block_.resize(block_.size() + sizeof(Length));
     open_ = block_.size();
 }
@@ -58,6 +67,13 @@ void Outbox::end()
 {
     const auto length = static_cast<Length>(open_size());
     std::memcpy(block_.data() + open_ - sizeof length, &length, sizeof length);
+    ++count_;
+}
+
+void Outbox::rollback(Mark mark)
+{
+    block_.resize(head_ + mark.bytes);
+    count_ = mark.datagrams;
 }
 
 void Outbox::replace(size_t bytes, Bytes datagram)
@@ -80,6 +96,7 @@ void Outbox::drop(size_t datagrams)
 {
     for (; datagrams > 0 && !empty(); --datagrams) {
         head_ += sizeof(Length) + length_at(block_.data() + head_);
+        --count_;
     }
     if (empty()) {
         clear();
@@ -89,6 +106,7 @@ void Outbox::drop(size_t datagrams)
 void Outbox::clear()
 {
     head_ = 0;
+    count_ = 0;
     block_.clear();
     if (block_.capacity() > KEPT_WHEN_EMPTY) {
         std::vector<uint8_t>().swap(block_);

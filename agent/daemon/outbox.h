@@ -27,9 +27,15 @@ public:
 
     bool empty() const { return head_ == block_.size(); }
     size_t bytes() const { return block_.size() - head_; }
+    size_t datagrams() const { return count_; }
 
-    // Back to when bytes() was this; nothing may have been dropped since.
-    void rollback(size_t bytes) { block_.resize(head_ + bytes); }
+    // Back to what waited when the mark was taken; nothing may have been dropped since.
+    struct Mark {
+        size_t bytes;
+        size_t datagrams;
+    };
+    Mark mark() const { return {bytes(), count_}; }
+    void rollback(Mark mark);
 
     // Replaces the datagram that begins when bytes() was this by one of the same length; nothing
     // may have been dropped since.
@@ -44,9 +50,12 @@ public:
 private:
     using Length = uint32_t; // stands before each datagram
 
+    void reclaim();
+
     std::vector<uint8_t> block_;
-    size_t head_ = 0; // what stands before it was sent
-    size_t open_ = 0; // where the datagram being written begins
+    size_t head_ = 0;  // what stands before it was sent
+    size_t open_ = 0;  // where the datagram being written begins
+    size_t count_ = 0; // datagrams that wait
 };
 
 } // namespace agent

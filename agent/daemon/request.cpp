@@ -49,7 +49,8 @@ uint32_t read_request(Bytes datagram, Request &request)
     if (take(datagram, OFP_TLV_MsgHead, head) != 0) {
         return NO_MESSAGE_HEAD;
     }
-    request = {head.code, datagram};
+    request.code = head.code;
+    request.body = datagram;
     return 0;
 }
 

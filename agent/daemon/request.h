@@ -7,15 +7,15 @@
 #include <span>
 
 #include "daemon/result_codes.h"
+#include "events/applications.h"
 #include "ofp.h"
 
 namespace agent {
 
-using Bytes = std::span<const uint8_t>;
-
 struct Request {
     uint32_t code = 0;
-    Bytes body; // all that follows the message head
+    Bytes body;    // all that follows the message head
+    Sender sender; // nobody, unless a connection brought it
 };
 
 // The readers return 0 or the result code that says what is wrong.

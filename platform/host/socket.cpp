@@ -108,11 +108,12 @@ bool wait_on(int32_t s, int16_t event, int64_t left)
 template <class Call>
 int64_t within_time_out(int32_t s, int time_out, int16_t event, int32_t flags, Call call)
 {
-    int64_t start = monotonic_now();
+    int64_t start = monotonic_tick();
     int64_t count = call(flags);
     if (count >= 0 || errno != EINTR) {
         return count;
     }
+    start += tick_length(); /* never before it began */
     bool waits = (flags & MSG_DONTWAIT) == 0;
     timeval limit = time_out_of(s, time_out);
     do {

@@ -14,11 +14,34 @@ const char *environment(const char *name)
     return value != nullptr && *value != '\0' ? value : nullptr;
 }
 
+namespace {
+
+int64_t nanoseconds(const timespec &time)
+{
+    return time.tv_sec * nanoseconds_per_second + time.tv_nsec;
+}
+
+} // namespace
+
 int64_t monotonic_now()
 {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
-    return now.tv_sec * nanoseconds_per_second + now.tv_nsec;
+    return nanoseconds(now);
+}
+
+int64_t monotonic_tick()
+{
+    timespec tick{};
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &tick);
+    return nanoseconds(tick);
+}
+
+int64_t tick_length()
+{
+    timespec length{};
+    clock_getres(CLOCK_MONOTONIC_COARSE, &length);
+    return nanoseconds(length);
 }
 
 void sleep_milliseconds(int64_t count)

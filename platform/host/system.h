@@ -13,7 +13,9 @@ constexpr int64_t nanoseconds_per_millisecond = 1'000'000;
 /* Null when the variable is unset or empty, or must not be trusted (set-user-id programs). */
 const char *environment(const char *name);
 
-int64_t monotonic_now(); /* nanoseconds */
+int64_t monotonic_now();  /* nanoseconds */
+int64_t monotonic_tick(); /* the same at the last tick: much cheaper, up to a tick behind */
+int64_t tick_length();
 
 void sleep_milliseconds(int64_t count);
 

@@ -53,7 +53,7 @@ TEST(Outbox, RollsBackToWhatStoodBeforeAlsoAfterSomeWereSent)
     out.append(bytes(4, 1));
     out.append(bytes(4, 2));
     out.drop(1);
-    const size_t before = out.bytes();
+    const Outbox::Mark before = out.mark();
     out.reserve(1000, 100'000); // gives back the room of what was sent
     out.append(bytes(4, 3));
     out.begin();
@@ -63,6 +63,7 @@ TEST(Outbox, RollsBackToWhatStoodBeforeAlsoAfterSomeWereSent)
     std::array<Bytes, 4> front;
     ASSERT_EQ(out.front(front), 1u);
     EXPECT_EQ(front[0][0], 2);
+    EXPECT_EQ(out.datagrams(), 1u);
 }
 
 TEST(Outbox, KeepsWhatWaitsWhileThousandsPassThrough)

@@ -1,127 +1,18 @@
 #include "daemon/server.h"
 
 #include <cerrno>
-#include <cstring>
-#include <optional>
-#include <thread>
+#include <list>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include "agent/config/row_store.h"
 #include "agent/daemon/messages.h"
+#include "agent/daemon/server_fixture.h"
 #include "agent/daemon/settings.h"
 
 namespace agent::test {
 namespace {
-
-// A client's connection.
-class Client {
-public:
-    explicit Client(const sockaddr_un &address, socklen_t length)
-        : fd_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0))
-    {
-        connected_ =
-            fd_ >= 0 && connect(fd_, reinterpret_cast<const sockaddr *>(&address), length) == 0;
-    }
-    Client(Client &&other) noexcept : fd_(std::exchange(other.fd_, -1)), connected_(true) {}
-    Client &operator=(Client &&) = delete;
-    ~Client() { hang_up(); }
-
-    bool connected() const { return connected_; }
-    int fd() const { return fd_; }
-
-    bool send(const Datagram &datagram)
-    {
-        return ::send(fd_, datagram.data(), datagram.size(), MSG_NOSIGNAL) ==
-               static_cast<ssize_t>(datagram.size());
-    }
-    // Empty when nothing is there or the connection has ended.
-    Datagram receive()
-    {
-        Datagram datagram(256);
-        const ssize_t got = recv(fd_, datagram.data(), datagram.size(), MSG_DONTWAIT);
-        ended_ = got == 0 || (got < 0 && errno != EAGAIN);
-        datagram.resize(got > 0 ? static_cast<size_t>(got) : 0);
-        return datagram;
-    }
-    // True when the last receive found the connection ended.
-    bool ended() const { return ended_; }
-    void hang_up()
-    {
-        if (fd_ >= 0) {
-            close(fd_);
-            fd_ = -1;
-        }
-    }
-
-private:
-    int fd_;
-    bool connected_ = false;
-    bool ended_ = false;
-};
-
-// A server on a socket without a file, its event loop turned by the test.
-class ServerTest : public testing::Test {
-protected:
-    ServerTest()
-    {
-        const std::string name = "ofp-server-test-" + std::to_string(getpid());
-        address_.sun_family = AF_UNIX;
-        std::memcpy(address_.sun_path + 1, name.data(), name.size());
-        length_ = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
-        listener_ = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-        const int on = 1;
-        setsockopt(listener_, SOL_SOCKET, SO_PASSCRED, &on, sizeof on);
-        bind(listener_, reinterpret_cast<const sockaddr *>(&address_), length_);
-        listen(listener_, 1024);
-        base_ = event_base_new();
-        server_.emplace(base_, listener_, model_);
-        server_->start();
-        open_period(model_);
-    }
-    ~ServerTest() override
-    {
-        server_.reset();
-        event_base_free(base_);
-        close(listener_);
-    }
-
-    Client connect_client() { return Client(address_, length_); }
-
-    // Until a turn finds nothing to do.
-    void turn()
-    {
-        for (int idle = 0; idle < 2;) {
-            idle = event_base_loop(base_, EVLOOP_NONBLOCK) == 0 && !pending() ? idle + 1 : 0;
-        }
-    }
-    bool pending() const { return event_base_get_num_events(base_, EVENT_BASE_COUNT_ACTIVE) > 0; }
-
-    // One request, its answers.
-    std::vector<Datagram> exchange(Client &client, const Datagram &request)
-    {
-        EXPECT_TRUE(client.send(request));
-        turn();
-        std::vector<Datagram> answers;
-        for (Datagram answer; !(answer = client.receive()).empty();) {
-            answers.push_back(answer);
-        }
-        return answers;
-    }
-
-    uint32_t rules() const { return model_.flow_switch().table(CLIENT, 200).rules; }
-
-    sockaddr_un address_{};
-    socklen_t length_ = 0;
-    int listener_ = -1;
-    Model model_;
-    event_base *base_ = nullptr;
-    std::optional<Server> server_;
-};
 
 TEST_F(ServerTest, AnswersABatchOneDatagramAMessage)
 {
@@ -211,17 +102,33 @@ TEST_F(ServerTest, ABatchIsAppliedWholeWhileTheClientsSocketIsStuffed)
     }
 }
 
-TEST_F(ServerTest, AClientThatNeverReadsDelaysNobodyAndHoldsBoundedMemory)
+// Clients that do not read are held back early.
+class NarrowServerTest : public ServerTest {
+protected:
+    static constexpr size_t OWN = size_t{64} << 10;
+    static constexpr size_t ALL = size_t{256} << 10;
+    static constexpr size_t SCARCE = size_t{4} << 10;
+    NarrowServerTest() : ServerTest({.own = OWN, .all = ALL, .scarce = SCARCE}) {}
+
+    // Sends until the client's own socket is full and the server takes nothing more; how many.
+    size_t stuff(Client &client)
+    {
+        const Datagram request = join({head(0x10000001), hex("0004 0004 1001 0000")});
+        size_t sent = 0;
+        while (sent < 100'000 && client.send(request)) {
+            ++sent;
+            if (sent % 64 == 0) {
+                turn();
+            }
+        }
+        return sent;
+    }
+};
+
+TEST_F(NarrowServerTest, AClientThatNeverReadsDelaysNobodyAndHoldsBoundedMemory)
 {
     Client deaf = connect_client();
-    const Datagram request = join({head(0x10000001), hex("0004 0004 1001 0000")});
-    size_t sent = 0;
-    while (sent < 100'000 && deaf.send(request)) { // until its own socket is full
-        ++sent;
-        if (sent % 64 == 0) {
-            turn();
-        }
-    }
+    const size_t sent = stuff(deaf);
     turn();
     EXPECT_LT(sent, 100'000u);
     EXPECT_EQ(errno, EAGAIN);
@@ -229,6 +136,60 @@ TEST_F(ServerTest, AClientThatNeverReadsDelaysNobodyAndHoldsBoundedMemory)
 
     Client other = connect_client();
     EXPECT_EQ(exchange(other, batch({{}})), (std::vector<Datagram>{barrier_reply(0)}));
+}
+
+TEST_F(NarrowServerTest, WhileAllTogetherHoldTooMuchEachMayHoldLess)
+{
+    std::list<Client> deaf;
+    std::vector<size_t> sent;
+    for (int i = 0; i < 8; ++i) {
+        deaf.push_back(connect_client());
+        sent.push_back(stuff(deaf.back()));
+        ASSERT_LT(sent.back(), 100'000u);
+    }
+    EXPECT_GT(sent.front(), OWN / 24);
+    EXPECT_LT(sent.back(), sent.front()); // the others took what there is
+    const uint64_t served = model_.counters.datagrams;
+
+    // Once there is room again, the last one goes on although it has read nothing itself.
+    while (deaf.size() > 1) {
+        deaf.pop_front();
+    }
+    turn();
+    EXPECT_GT(model_.counters.datagrams, served);
+    EXPECT_GT(stuff(deaf.back()) + sent.back(), OWN / 24);
+}
+
+TEST_F(ServerTest, AHundredThousandRulesSentBeforeTheFirstAnswerIsReadAreAllAnswered)
+{
+    constexpr uint32_t RULES = 100'000;
+    Client client = connect_client();
+    const Datagram accepted = batch({{}});
+    const Datagram refused = batch({{.table = 9}});
+    for (uint32_t sent = 0; sent < RULES; ++sent) {
+        while (!client.send(sent % 2 == 0 ? accepted : refused)) {
+            ASSERT_EQ(errno, EAGAIN);
+            turn();
+        }
+    }
+    turn();
+    for (uint32_t answered = 0; answered < RULES; ++answered) {
+        Datagram answer = client.receive();
+        if (answer.empty()) {
+            turn();
+            answer = client.receive();
+        }
+        if (answered % 2 == 1) {
+            ASSERT_EQ(answer, error_reply(flow_mod(0, {.table = 9}), 5, 2));
+            answer = client.receive();
+        }
+        if (answer.empty()) {
+            turn();
+            answer = client.receive();
+        }
+        ASSERT_EQ(answer, barrier_reply(0)) << answered;
+    }
+    EXPECT_TRUE(client.receive().empty());
 }
 
 TEST_F(ServerTest, AHundredThousandRulesSentWithoutWaitingAreAllAnswered)
