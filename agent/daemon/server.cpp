@@ -9,6 +9,7 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include "daemon/dispatch.h"
 #include "daemon/log.h"
 #include "daemon/reply.h"
 #include "ofp/host.h"
@@ -18,7 +19,6 @@ namespace agent {
 namespace {
 
 constexpr size_t DATAGRAM_MAX = 65535;
-constexpr int ACCEPTS_PER_TURN = 64;
 constexpr int DATAGRAMS_PER_TURN = 32;
 constexpr size_t SENDS_PER_CALL = 32;
 
@@ -119,28 +119,24 @@ bool Server::start()
 
 // ---- Connections
 
-void Server::on_listener(int, short, void *server) { static_cast<Server *>(server)->accept_all(); }
+void Server::on_listener(int, short, void *server) { static_cast<Server *>(server)->accept_one(); }
 
 void Server::on_retry(int, short, void *server)
 {
     static_cast<Server *>(server)->resume_accepting();
 }
 
-void Server::accept_all()
+// One at a time: to be told that there is no other costs as much as accepting one.
+void Server::accept_one()
 {
-    for (int turn = 0; turn < ACCEPTS_PER_TURN; ++turn) {
-        const int fd = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-        if (fd >= 0) {
-            Connection *const connection = open(fd);
-            if (connection) {
-                tend(*connection, EV_READ); // most clients have sent their request by now
-            }
-        } else if (errno == EAGAIN) {
-            return;
-        } else if (errno != EINTR && errno != ECONNABORTED) {
-            pause_accepting(errno);
-            return;
+    const int fd = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (fd >= 0) {
+        Connection *const connection = open(fd);
+        if (connection) {
+            tend(*connection, EV_READ); // most clients have sent their request by now
         }
+    } else if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) {
+        pause_accepting(errno);
     }
 }
 
@@ -271,7 +267,7 @@ void Server::hear_silent(const Connection &newcomer)
 bool Server::read_some(Connection &connection)
 {
     Read read = Read::served;
-    for (int turn = 0; read == Read::served && turn < DATAGRAMS_PER_TURN && !connection.held &&
+    for (int turn = 0; read == Read::served && !connection.held && turn < DATAGRAMS_PER_TURN &&
                        connection.queue.bytes() + fresh_.bytes() <= queue_limit();
          ++turn) {
         read = read_one(connection);
@@ -350,43 +346,6 @@ bool Server::flush_all(Connection &connection)
     return !application || !connection.queue.empty() || flush(connection, application->waiting);
 }
 
-// ---- Committing
-
-void Server::hold(Connection &connection, size_t answer, const Outcome &outcome)
-{
-    connection.held = true;
-    connection.held_answer = answer;
-    connection.held_message = outcome.message;
-    held_.push_back(&connection); // there is room for every connection
-    event_active(&commit_event_, EV_TIMEOUT, 0);
-}
-
-void Server::on_commit(int, short, void *server) { static_cast<Server *>(server)->commit(); }
-
-void Server::commit()
-{
-    const bool stored = model_.configuration().commit();
-    if (!stored) {
-        log::error("the configuration cannot be stored: {}", model_.configuration().failure());
-    }
-    std::swap(held_, released_);
-    for (Connection *const connection : released_) {
-        release(*connection, stored);
-    }
-    released_.clear();
-}
-
-void Server::release(Connection &connection, bool stored)
-{
-    connection.held = false;
-    if (!stored) {
-        ++model_.counters.refused;
-        log_refusal({.message = connection.held_message, .code = NOT_STORED}, connection.peer.pid);
-        connection.queue.replace(connection.held_answer, result_reply(NOT_STORED));
-    }
-    tend(connection, EV_READ);
-}
-
 bool Server::flush(Connection &connection, Outbox &out)
 {
     while (!out.empty()) {
@@ -442,6 +401,43 @@ void Server::account(Connection &connection)
         scarce_ = false;
         event_active(&work_event_, 0, 0);
     }
+}
+
+// ---- Committing
+
+void Server::hold(Connection &connection, size_t answer, const Outcome &outcome)
+{
+    connection.held = true;
+    connection.held_answer = answer;
+    connection.held_message = outcome.message;
+    held_.push_back(&connection); // there is room for every connection
+    event_active(&commit_event_, EV_TIMEOUT, 0);
+}
+
+void Server::on_commit(int, short, void *server) { static_cast<Server *>(server)->commit(); }
+
+void Server::commit()
+{
+    const bool stored = model_.configuration().commit();
+    if (!stored) {
+        log::error("the configuration cannot be stored: {}", model_.configuration().failure());
+    }
+    std::swap(held_, released_);
+    for (Connection *const connection : released_) {
+        release(*connection, stored);
+    }
+    released_.clear();
+}
+
+void Server::release(Connection &connection, bool stored)
+{
+    connection.held = false;
+    if (!stored) {
+        ++model_.counters.refused;
+        log_refusal({.message = connection.held_message, .code = NOT_STORED}, connection.peer.pid);
+        connection.queue.replace(connection.held_answer, result_reply(NOT_STORED));
+    }
+    tend(connection, EV_READ);
 }
 
 // ---- Events

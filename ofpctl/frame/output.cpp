@@ -12,6 +12,7 @@ namespace ofpctl {
 namespace {
 
 constexpr std::size_t gather = std::size_t{64} << 10;
+constexpr std::chrono::milliseconds longest_gathering{100};
 
 } // namespace
 
@@ -30,11 +31,13 @@ void Output::flush()
         }
     }
     buffer_.clear();
+    flushed_ = Clock::now();
 }
 
+// What comes slowly is shown as it comes, what comes fast in large pieces.
 void Output::settle()
 {
-    if (buffer_.size() >= gather)
+    if (buffer_.size() >= gather || Clock::now() - flushed_ >= longest_gathering)
         flush();
 }
 
@@ -59,26 +62,39 @@ JsonWriter &Output::document()
     return writer_;
 }
 
-void Output::finish(const Failure *failure)
+void Output::end_document(const Failure *failure)
+{
+    JsonWriter &json = document();
+    json.end_all();
+    json.flag("ok", failure == nullptr);
+    if (failure) {
+        json.begin_object("error");
+        if (failure->code != 0)
+            json.text("code", result_number(failure->code));
+        else
+            json.null("code");
+        json.text("name", failure_name(*failure));
+        json.text("message", failure->message);
+        json.number("status", failure->status);
+        json.end();
+    }
+    json.end();
+    buffer_ += '\n';
+}
+
+void Output::end_round()
 {
     if (json_) {
-        JsonWriter &json = document();
-        json.end_all();
-        json.flag("ok", failure == nullptr);
-        if (failure) {
-            json.begin_object("error");
-            if (failure->code != 0)
-                json.text("code", result_number(failure->code));
-            else
-                json.null("code");
-            json.text("name", failure_name(*failure));
-            json.text("message", failure->message);
-            json.number("status", failure->status);
-            json.end();
-        }
-        json.end();
-        buffer_ += '\n';
+        end_document(nullptr);
+        writer_ = JsonWriter(buffer_);
     }
+    flush();
+}
+
+void Output::finish(const Failure *failure)
+{
+    if (json_)
+        end_document(failure);
     flush();
 }
 

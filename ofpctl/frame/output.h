@@ -2,6 +2,7 @@
 #ifndef OFPCTL_FRAME_OUTPUT_H
 #define OFPCTL_FRAME_OUTPUT_H
 
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -27,17 +28,24 @@ public:
     // After many members: writes out what has gathered.
     void settle();
 
+    // Ends what one round of several prints, and writes it out: with JSON, the document.
+    void end_round();
+
     // Ends the document, with the failure if there is one, and writes everything out.
     void finish(const Failure *failure);
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     void flush();
+    void end_document(const Failure *failure);
 
     bool json_;
     int descriptor_;
     std::string buffer_;
     JsonWriter writer_{buffer_};
     bool broken_ = false;
+    Clock::time_point flushed_ = Clock::now();
 };
 
 } // namespace ofpctl
