@@ -18,6 +18,8 @@ COMMANDS = (
     ("group list", None), ("group show 7", None), ("meter list", None), ("table list", None), ("table show 200", None),
     ("port list", None), ("resource show", None), ("summary show", None), ("summary", "summary-show"),
     ("debug show 1 0", None), ("global show", None),
+    ("packet trace in_port=1", None), ("packet trace arp,in_port=2", None), ("packet send in_port=1", "packet-trace"),
+    ("packet trace in_port=1 --instance 1", "packet-trace"),
     ("instance set 1 echo-interval=5 fail-open=secure", "changes"), ("instance set --verify 1 fail-open=secure", "changes"),
     ("instance apply some.toml", "changes"), ("global set ignore=1", "changes"),
     ("vlan set --verify --instance 1 vlan=7 normal-forward-vlans=1", "changes"),
