@@ -179,6 +179,7 @@ class ApplyTest(SandboxTest):
     def test_bad_files(self):
         for text, message in (("instance = 1\ninstance = 2\n", "instance.toml:2:"), ("{", "instance.toml:1:"),
                               ("instance = \n", "instance.toml:1:"), ("", "instance is missing"),
+                              ("[=a]\n", "this is no TOML"), ("[[[a]]]\n", "instance.toml:1:"),
                               ('{"instance": 1, "instance": 2}', "instance is set twice"), (b"\xff\xfe\0\0", ":1:"),
                               ("a = 1\n" * 300_000, "larger than 1 MiB"), ("a = " + "[" * 100_000, ":1:"),
                               ('{"a": ' + "[" * 100_000, ":1:")):
