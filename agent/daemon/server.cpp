@@ -5,10 +5,12 @@
 #include <cstring>
 #include <new>
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include "daemon/dispatch.h"
 #include "daemon/log.h"
 #include "daemon/reply.h"
 #include "ofp/host.h"
@@ -38,6 +40,13 @@ Peer peer_of(int fd, uid_t own_user)
         return {};
     }
     return {credentials.pid, credentials.uid == own_user};
+}
+
+// To be told so by accept would cost as much as accepting.
+bool somebody_connects(int listener)
+{
+    pollfd wanted{listener, POLLIN, 0};
+    return poll(&wanted, 1, 0) > 0;
 }
 
 void log_refusal(const Outcome &outcome, pid_t pid)
@@ -128,20 +137,26 @@ void Server::on_retry(int, short, void *server)
 
 void Server::accept_all()
 {
-    for (int turn = 0; turn < ACCEPTS_PER_TURN; ++turn) {
-        const int fd = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-        if (fd >= 0) {
-            Connection *const connection = open(fd);
-            if (connection) {
-                tend(*connection, EV_READ); // most clients have sent their request by now
-            }
-        } else if (errno == EAGAIN) {
-            return;
-        } else if (errno != EINTR && errno != ECONNABORTED) {
-            pause_accepting(errno);
-            return;
-        }
+    for (int turn = 0; turn < ACCEPTS_PER_TURN && accept_one() && somebody_connects(listener_);
+         ++turn) {
     }
+}
+
+bool Server::accept_one()
+{
+    const int fd = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (fd >= 0) {
+        Connection *const connection = open(fd);
+        if (connection) {
+            tend(*connection, EV_READ); // most clients have sent their request by now
+        }
+        return connection != nullptr;
+    }
+    if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) {
+        pause_accepting(errno);
+        return false;
+    }
+    return errno != EAGAIN;
 }
 
 // Out of descriptors or memory: those who connect wait in the listener's backlog.
@@ -271,7 +286,7 @@ void Server::hear_silent(const Connection &newcomer)
 bool Server::read_some(Connection &connection)
 {
     Read read = Read::served;
-    for (int turn = 0; read == Read::served && turn < DATAGRAMS_PER_TURN && !connection.held &&
+    for (int turn = 0; read == Read::served && !connection.held && turn < DATAGRAMS_PER_TURN &&
                        connection.queue.bytes() + fresh_.bytes() <= queue_limit();
          ++turn) {
         read = read_one(connection);
@@ -350,43 +365,6 @@ bool Server::flush_all(Connection &connection)
     return !application || !connection.queue.empty() || flush(connection, application->waiting);
 }
 
-// ---- Committing
-
-void Server::hold(Connection &connection, size_t answer, const Outcome &outcome)
-{
-    connection.held = true;
-    connection.held_answer = answer;
-    connection.held_message = outcome.message;
-    held_.push_back(&connection); // there is room for every connection
-    event_active(&commit_event_, EV_TIMEOUT, 0);
-}
-
-void Server::on_commit(int, short, void *server) { static_cast<Server *>(server)->commit(); }
-
-void Server::commit()
-{
-    const bool stored = model_.configuration().commit();
-    if (!stored) {
-        log::error("the configuration cannot be stored: {}", model_.configuration().failure());
-    }
-    std::swap(held_, released_);
-    for (Connection *const connection : released_) {
-        release(*connection, stored);
-    }
-    released_.clear();
-}
-
-void Server::release(Connection &connection, bool stored)
-{
-    connection.held = false;
-    if (!stored) {
-        ++model_.counters.refused;
-        log_refusal({.message = connection.held_message, .code = NOT_STORED}, connection.peer.pid);
-        connection.queue.replace(connection.held_answer, result_reply(NOT_STORED));
-    }
-    tend(connection, EV_READ);
-}
-
 bool Server::flush(Connection &connection, Outbox &out)
 {
     while (!out.empty()) {
@@ -442,6 +420,43 @@ void Server::account(Connection &connection)
         scarce_ = false;
         event_active(&work_event_, 0, 0);
     }
+}
+
+// ---- Committing
+
+void Server::hold(Connection &connection, size_t answer, const Outcome &outcome)
+{
+    connection.held = true;
+    connection.held_answer = answer;
+    connection.held_message = outcome.message;
+    held_.push_back(&connection); // there is room for every connection
+    event_active(&commit_event_, EV_TIMEOUT, 0);
+}
+
+void Server::on_commit(int, short, void *server) { static_cast<Server *>(server)->commit(); }
+
+void Server::commit()
+{
+    const bool stored = model_.configuration().commit();
+    if (!stored) {
+        log::error("the configuration cannot be stored: {}", model_.configuration().failure());
+    }
+    std::swap(held_, released_);
+    for (Connection *const connection : released_) {
+        release(*connection, stored);
+    }
+    released_.clear();
+}
+
+void Server::release(Connection &connection, bool stored)
+{
+    connection.held = false;
+    if (!stored) {
+        ++model_.counters.refused;
+        log_refusal({.message = connection.held_message, .code = NOT_STORED}, connection.peer.pid);
+        connection.queue.replace(connection.held_answer, result_reply(NOT_STORED));
+    }
+    tend(connection, EV_READ);
 }
 
 // ---- Events

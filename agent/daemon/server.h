@@ -55,6 +55,7 @@ private:
     static void on_commit(int fd, short what, void *server);
 
     void accept_all();
+    bool accept_one();
     void pause_accepting(int error);
     void resume_accepting();
     Connection *open(int fd);

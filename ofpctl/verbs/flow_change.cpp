@@ -6,6 +6,7 @@
 #include "frame/agent_link.h"
 #include "frame/context.h"
 #include "frame/words.h"
+#include "verbs/flow_async.h"
 #include "verbs/flow_input.h"
 #include "verbs/flow_program.h"
 #include "verbs/flow_report.h"
@@ -43,7 +44,9 @@ void print_dry_run(Context &context, const FlowInput &input)
                          counted(datagrams, "datagram")));
 }
 
-void program(Context &context, Command command, const FlowInput &input)
+// Tells what became of the rules that program, called with the client, has sent.
+template <class Program>
+void send(Context &context, const FlowInput &input, Program program)
 {
     if (context.arguments.given("dry-run")) {
         print_dry_run(context, input);
@@ -52,10 +55,16 @@ void program(Context &context, Command command, const FlowInput &input)
     const uint16_t client = client_of(context);
     require_agent();
     join_period(client);
-    const Report report = program_rules(client, command, input.rules.items());
+    const Report report = program(client);
     print_results(context, reported(input), report);
     print_summary(context, report);
     require_accepted(reported(input), report);
+}
+
+void program(Context &context, Command command, const FlowInput &input)
+{
+    send(context, input,
+         [&](uint16_t client) { return program_rules(client, command, input.rules.items()); });
 }
 
 // A deletion is answered, but not with what it removed: that shows in the number of rules.
@@ -93,7 +102,19 @@ void flow_modify(Context &context)
     program(context, Command::modify, read_flow_operands(context, ParseMode::program));
 }
 
-void flow_load(Context &context) { program(context, Command::add, read_flow_files(context)); }
+void flow_load(Context &context)
+{
+    if (!context.arguments.given("async")) {
+        if (context.arguments.given("window"))
+            throw usage_failure("--window goes with --async");
+        program(context, Command::add, read_flow_files(context));
+        return;
+    }
+    const uint32_t window = context.arguments.number("window");
+    const FlowInput input = read_flow_files(context);
+    send(context, input,
+         [&](uint16_t client) { return add_rules_async(client, input.rules.items(), window); });
+}
 
 void flow_delete(Context &context)
 {

@@ -15,7 +15,21 @@ constexpr OptionRow file_option{.name = "file",
                                 .repeats = true};
 
 constexpr OptionRow change_options[] = {file_option, client_option, dry_run_option};
-constexpr OptionRow load_options[] = {client_option, dry_run_option};
+constexpr OptionRow load_options[] = {
+    {.name = "async",
+     .letter = 'a',
+     .help = "send rules without waiting for the last one's answer"},
+    {.name = "window",
+     .kind = Kind::number,
+     .value = "N",
+     .help = "with --async: the most rules that may be unanswered",
+     .fallback = "8192",
+     .least = 1,
+     .most = 1000000},
+    client_option,
+    dry_run_option,
+};
+constexpr OptionRow replace_options[] = {client_option, dry_run_option};
 constexpr OptionRow delete_options[] = {
     {.name = "strict", .help = "only rules with exactly this match and priority"},
     file_option,
@@ -52,6 +66,7 @@ constexpr Example delete_examples[] = {
 constexpr Example load_examples[] = {
     {"ofpctl flow load rules.flows", "Adds every rule of the file, or none if one is malformed"},
     {"ofpctl flow load --client 4097 --json rules.flows", "The same for client 4097, as JSON"},
+    {"ofpctl flow load --async rules.flows", "The same with many rules under way at once"},
 };
 constexpr Example replace_examples[] = {
     {"ofpctl flow replace rules.flows", "The table holds the rules of the file and no others"},
@@ -113,7 +128,7 @@ constexpr Verb rows[] = {
      .details = "Rules that are not in the file are deleted first, then those with other actions "
                 "are changed, then new ones added. With --verbose the difference is printed too.",
      .operands = file_operand,
-     .options = load_options,
+     .options = replace_options,
      .examples = replace_examples},
     {.name = "diff",
      .run = flow_diff,

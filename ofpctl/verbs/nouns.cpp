@@ -50,6 +50,8 @@ std::span<const Noun> nouns()
         {"packet", "What the switch does with a packet.", packet_verbs},
         {"summary", "All instances at a glance.", summary_verbs},
         {"resource", "Resources of the switch.", resource_verbs},
+        {"app", "Registered applications.", app_verbs},
+        {"event", "Events of the agent.", event_verbs},
         {"msg", "Datagrams.", msg_verbs},
         {"completion", "Completion scripts for shells.", completion_verbs},
     };

@@ -9,9 +9,11 @@
 namespace ofpctl {
 
 extern const std::span<const Verb> agent_verbs;
+extern const std::span<const Verb> app_verbs;
 extern const std::span<const Verb> completion_verbs;
 extern const std::span<const Verb> controller_verbs;
 extern const std::span<const Verb> debug_verbs;
+extern const std::span<const Verb> event_verbs;
 extern const std::span<const Verb> flow_verbs;
 extern const std::span<const Verb> global_verbs;
 extern const std::span<const Verb> group_verbs;

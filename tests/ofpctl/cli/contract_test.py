@@ -35,7 +35,7 @@ class HelpTest(SandboxTest):
              "flow load", "flow replace", "flow diff", "flow show", "flow count", "flow check",
              "flow format", "group add", "group list", "group show", "group del", "meter list",
              "meter show", "table list", "table show", "packet trace", "packet send", "summary show",
-             "resource show", "msg decode", "completion bash", "completion zsh",
+             "resource show", "app list", "app show", "event monitor", "msg decode", "completion bash", "completion zsh",
              "completion fish"])
 
     def test_every_command_explains_itself_in_three_ways(self):
@@ -83,8 +83,16 @@ class ExamplesTest(SandboxTest):
             self.sandbox.run("instance", "add", "1")
             if verb == "unbind":
                 self.sandbox.run("port", "bind", "GE1/0/1", "1")
+        elif (noun, verb) == ("app", "show"):
+            self.register_application("3")
         elif verb in ("load", "mod", "replace"):
             self.delete_all()
+
+    def register_application(self, number):
+        monitor = self.sandbox.start("event", "monitor", "--app", number)
+        self.addCleanup(monitor.communicate)
+        self.addCleanup(monitor.kill)
+        self.wait_until(lambda: self.sandbox.run("app", "show", number).status == 0)
 
     def test_every_example(self):
         for noun, verb in commands(self.sandbox):
