@@ -5,7 +5,7 @@ import re
 import signal
 import unittest
 
-from harness import SandboxTest
+from harness import SandboxTest, interrupt
 
 
 def settings(sandbox, noun, verb):
@@ -222,6 +222,15 @@ class FailureTest(SandboxTest):
         self.sandbox.start_fake("--silent")
         self.run_fails(4, "instance", "set", "--timeout", "1", "1", "qinq=on")
         self.run_fails(4, "instance", "show", "--timeout", "1", "1")
+
+    def test_an_interrupt_leaves_the_rest_unsent(self):
+        self.sandbox.start_fake("--silent", "--record", str(self.sandbox.folder / "interrupted"))
+        process = self.sandbox.start("instance", "set", "1", "qinq=on", "echo-interval=5")
+        self.wait_until((self.sandbox.folder / "interrupted").exists)
+        interrupt(process)
+        result = self.sandbox.finish(process)
+        self.assertEqual(result.status, 130, result)
+        self.assertIn("instance 1: echo-interval=5: not sent\n", result.out)
 
     def test_an_undecodable_answer_is_noticed_by_verify_alone(self):
         self.sandbox.start_fake("--garbage")
