@@ -1,4 +1,5 @@
-// The memory switch: what an add with overlap check and a strict delete cost at a given size.
+// The memory switch: what an add with overlap check and a strict delete cost at a given size, and
+// what it costs to follow a packet.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -137,6 +138,13 @@ Rule masks_200(uint32_t n)
             .in_port = mask / 100 != 0 ? 1 + n % 48 : 0};
 }
 
+Rule masks_200_with_priorities(uint32_t n)
+{
+    Rule rule = masks_200(n);
+    rule.priority = static_cast<uint16_t>(1 + scatter(n ^ 0x3333) % 1000);
+    return rule;
+}
+
 // Each rule leaves two of seven fields out: no field is in all of them.
 Rule no_common_field(uint32_t n)
 {
@@ -179,6 +187,22 @@ public:
             switch_.flow_mod(CLIENT, flow_mod(OFPFC_ADD, rules_(next_++)).bytes());
         }
         bytes_ = heap_bytes() - before;
+    }
+
+    // Follows a packet that has the fields of a rule, or none's; the rule that it met.
+    uint32_t trace(uint32_t n)
+    {
+        static constexpr std::array tables = {TABLE};
+        const Rule rule = rules_(n);
+        Writer packet;
+        packet.oxm(OFPXMT_IN_PORT, std::max(rule.in_port, uint32_t{1}));
+        packet.oxm(OFPXMT_ETH_TYPE, uint16_t{0x0800}).oxm(OFPXMT_IP_PROTO, uint8_t{6});
+        packet.oxm(OFPXMT_IPV4_SRC, rule.src).oxm(OFPXMT_IPV4_DST, rule.dst);
+        packet.oxm(OFPXMT_TCP_SRC, static_cast<uint16_t>(rule.src * 7));
+        packet.oxm(OFPXMT_TCP_DST, uint16_t{443});
+        agent::Trace trace;
+        switch_.trace(CLIENT, {packet.bytes(), tables, TABLE, false, {}}, trace);
+        return trace.visits.front().rule;
     }
 
     void round()
@@ -255,6 +279,30 @@ void run(benchmark::State &state, RuleSet rules)
     state.counters["bytes_1M"] = large.bytes_per_rule();
 }
 
+// Packets of rules that are in the table, and as many of rules that are not.
+void run_trace(benchmark::State &state, RuleSet rules)
+{
+    constexpr uint32_t RULES = 100'000;
+    Filled table(rules, RULES);
+    table.trace(0); // makes what finds the others
+    uint32_t n = 0;
+    uint32_t met = 0;
+    for (auto _ : state) {
+        met += table.trace(scatter(n++) % (2 * RULES)) != 0 ? 1U : 0U;
+    }
+    if (met < n / 3) {
+        state.SkipWithError("too few packets met a rule");
+    }
+}
+
+constexpr struct {
+    const char *name;
+    RuleSet rules;
+} trace_sets[] = {
+    {"trace_200_masks", masks_200},
+    {"trace_200_masks_1000_priorities", masks_200_with_priorities},
+};
+
 constexpr struct {
     const char *name;
     RuleSet rules;
@@ -281,6 +329,14 @@ int main(int argc, char **argv)
                            {set, "delete_1M"},
                            {set, "delete_10k"},
                            reported});
+    }
+    for (const auto &[name, rules] : trace_sets) {
+        benchmark::RegisterBenchmark(name, run_trace, rules);
+        demands.push_back({std::string("following a packet through 100 000 rules, ") + name,
+                           {name, "", 1, "ns"},
+                           {},
+                           at_most,
+                           100'000});
     }
     demands.push_back({"bytes of memory a five-tuple rule, of a million",
                        {"one_priority", "bytes_1M", 1, "bytes"},

@@ -36,6 +36,15 @@ void append_options(std::string &out, std::span<const OptionRow> options)
                            plain(option_help(option)));
 }
 
+void append_settings(std::string &out, const Verb &verb)
+{
+    if (verb.settings == nullptr)
+        return;
+    for (const SettingRow *row : verb.settings())
+        out +=
+            fmt::format("\t*{}*\n\t\t{}\n\n", plain(setting_form(*row)), plain(setting_help(*row)));
+}
+
 void append_verb(std::string &out, const Noun &noun, const Verb &verb)
 {
     out += fmt::format("*{}*\n\t{}", plain(usage(noun, verb)), plain(verb.help));
@@ -43,6 +52,7 @@ void append_verb(std::string &out, const Noun &noun, const Verb &verb)
         out += fmt::format(" {}", plain(verb.details));
     out += "\n\n";
     append_options(out, verb.options);
+    append_settings(out, verb);
     for (const Example &example : verb.examples)
         out += fmt::format("\t{}:\n\n\t\t{}\n\n", plain(example.purpose), plain(example.command));
 }

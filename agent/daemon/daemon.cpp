@@ -197,6 +197,10 @@ int run(const Options &options, const Announce &announce)
     }
     raise_descriptor_limit();
     Model model({.rules_per_table = options.param.ACLMaxFlowEntry});
+    model.start.reserved_acl_resources = options.param.ResvAclRes;
+    if (options.param.ACLTableNum != 0) {
+        model.start.acl_tables = options.param.ACLTableNum;
+    }
     why_not = load_configuration(options, model.configuration());
     if (!why_not.empty()) {
         return fail(why_not, announce);

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "daemon/handler.h"
+#include "daemon/packet_message.h"
 
 namespace agent {
 
@@ -119,11 +120,40 @@ constexpr Route ROUTES[] = {
     {OFP_MSG_GET_GROUP_TABLE, group_table},
     {OFP_MSG_GET_NEXT_GROUP_ID, next_group},
     {OFP_MSG_GET_GROUP_SUMMARY, group_summary},
+
+    {OFP_MSG_GET_GROUP_REF_RULE, group_references},
+    {OFP_MSG_GET_NEXT_SMART_GROUP_ID, next_smart_group},
+
+    {OFP_MSG_GET_METER_TABLE, meter_table},
+    {OFP_MSG_GET_SPEC_METER_ENTRY, meter_entry},
+    {OFP_MSG_GET_NEXT_METER_ENTRY, next_meter_entry},
+    {OFP_MSG_GET_METER_REF_RULE, meter_references},
+
+    {MSG_PACKET, packet},
+
+    {OFP_MSG_GET_INST_ACTIVE, instance_active},
+    {OFP_MSG_GET_SUMMARY, summary},
+    {OFP_MSG_GET_VERBOSE_GLB, verbose_global},
+    {OFP_MSG_GET_VERBOSE_CFG, verbose_configured},
+    {OFP_MSG_GET_VERBOSE_RUN, verbose_running},
+    {OFP_MSG_GET_VERBOSE_IF, instance_interfaces},
+    {OFP_MSG_GET_GLB_CFG_VERBOSE, verbose_global_config},
+    {OFP_MSG_GET_CTRL_INFO, controller_info},
+    {OFP_MSG_GET_NEXT_CTRL, next_controller},
+    {OFP_MSG_GET_CTRL_CFG_INFO, controller_config},
+    {OFP_MSG_GET_CTRL_PKT_INFO, controller_packets},
+    {OFP_MSG_GET_AUX_INFO, auxiliary_info},
+    {OFP_MSG_GET_AC_PORT_INFO, attachment_ports},
+    {OFP_MSG_GET_RESOURCES_IF, interface_resources},
+    {OFP_MSG_GET_GLB_DBG_INFO, debug_info},
+    {OFP_MSG_GET_GLB_DBG_INFO_PKT, debug_packets},
+    {OFP_MSG_GET_ACL_RESV, acl_reserved},
+    {OFP_MSG_GET_ACL_TABLE_NUM, acl_tables},
 };
 
 // Requests are numbered from 1 within their family, which the upper four bits name.
 constexpr size_t FAMILY_SIZE = 64;
-constexpr size_t SLOTS = 6 * FAMILY_SIZE;
+constexpr size_t SLOTS = 7 * FAMILY_SIZE;
 
 constexpr size_t slot_of(uint32_t message)
 {
@@ -143,6 +173,7 @@ constexpr auto ENTRIES = [] {
 #define OFP_ROW(name, code) entries[slot_of(static_cast<uint32_t>(code))] = {#name, nullptr};
     OFP_MESSAGE_CODES(OFP_ROW)
 #undef OFP_ROW
+    entries[slot_of(MSG_PACKET)].name = "PACKET"; // this agent's own
     for (const Route &route : ROUTES) {
         entries[slot_of(route.message)].route = &route;
     }

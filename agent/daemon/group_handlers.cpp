@@ -1,13 +1,12 @@
 // Groups: how many, iteration, and the groups themselves as OpenFlow messages.
 #include "daemon/handler.h"
 #include "daemon/openflow_rule.h"
+#include "daemon/reply_codes.h"
+#include "openflow/message.h"
 
 namespace agent {
 
 namespace {
-
-// Its reply has no name of its own: the library hands the datagram to its caller as it is.
-constexpr uint32_t GROUP_SUMMARY = 0x20000016;
 
 uint32_t take_group(const Request &request, const Model &model, OfpGroupID &key)
 {
@@ -20,13 +19,35 @@ uint32_t take_group(const Request &request, const Model &model, OfpGroupID &key)
 OfpGroupBase base_record(const OfpGroupID &key, const GroupView &group)
 {
     OfpGroupBase base{};
-    base.value_u64_16 = group.age_seconds; // packets and bytes before it: none pass this switch
+    base.value_u64_0 = group.counters.packets;
+    base.value_u64_8 = group.counters.bytes;
+    base.value_u64_16 = group.age_seconds;
     base.value_u32_24 = key.group_id;
     base.value_u16_28 = key.instance_id;
     base.opaque_30[0] = group.type;
     base.value_u16_32 = static_cast<uint16_t>(group.bucket_count);
     base.value_u32_40 = group.references;
     return base;
+}
+
+// As many as there is room for; the group-mod before them has all.
+void add_buckets(const GroupView &group, Reply &reply)
+{
+    openflow::BucketWalk walk(group.buckets);
+    for (const Traffic &traffic : group.bucket_counters) {
+        const auto bucket = walk.next();
+        if (reply.size() + 4 + sizeof(OfpBucketBase) > REPLY_MAX) {
+            return;
+        }
+        OfpBucketBase base{};
+        base.packet_count = traffic.packets;
+        base.byte_count = traffic.bytes;
+        base.value_u32_16 = bucket->watch_port;
+        base.value_u32_20 = bucket->watch_group;
+        base.value_u32_24 = static_cast<uint32_t>(bucket->actions.size());
+        base.value_u16_28 = bucket->weight;
+        reply.add(OFP_TLV_BucketBase, base);
+    }
 }
 
 } // namespace
@@ -73,7 +94,7 @@ uint32_t group_summary(const Request &request, Reply &reply, Model &model)
     if (!group) {
         return NO_GROUP;
     }
-    reply.begin(GROUP_SUMMARY);
+    reply.begin(REPLY_GROUP_SUMMARY);
     reply.add(OFP_TLV_GroupID, key);
     reply.add(OFP_TLV_GroupBase, base_record(key, *group));
     const size_t length = group_mod_size(*group);
@@ -81,6 +102,7 @@ uint32_t group_summary(const Request &request, Reply &reply, Model &model)
         return REPLY_TOO_LONG;
     }
     write_group_mod(*group, reply.add_bytes(OFP_TLV_FlowEntry, length));
+    add_buckets(*group, reply);
     reply.end();
     return 0;
 }

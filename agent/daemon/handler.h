@@ -102,4 +102,36 @@ Handler group_table;
 Handler next_group;
 Handler group_summary;
 
+Handler group_references;
+Handler next_smart_group;
+
+// Meters
+Handler meter_table;
+Handler meter_entry;
+Handler next_meter_entry;
+Handler meter_references;
+
+// Packets
+Handler packet;
+
+// What is configured, and how it stands
+Handler instance_active;
+Handler summary;
+Handler verbose_global;
+Handler verbose_configured;
+Handler verbose_running;
+Handler verbose_global_config;
+Handler controller_info;
+Handler next_controller;
+Handler controller_config;
+Handler controller_packets;
+Handler auxiliary_info;
+Handler instance_interfaces;
+Handler attachment_ports;
+Handler interface_resources;
+Handler debug_info;
+Handler debug_packets;
+Handler acl_reserved;
+Handler acl_tables;
+
 } // namespace agent

@@ -24,6 +24,12 @@ struct Counters {
     uint64_t errors = 0;   // answered by an OpenFlow error
 };
 
+// What the agent was started with, as far as queries tell it.
+struct StartOptions {
+    uint16_t reserved_acl_resources = 0;
+    uint32_t acl_tables = 1;
+};
+
 class Model : private ConfigurationObserver {
 public:
     explicit Model(const SwitchLimits &limits = {});
@@ -57,6 +63,7 @@ public:
     Counters counters;
     Applications applications;
     ControllerStates controllers; // kept by whoever holds the connections
+    StartOptions start;
 
 private:
     void instance_changed(uint16_t id, const InstanceConfig *before,

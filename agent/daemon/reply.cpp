@@ -29,6 +29,11 @@ uint8_t *Reply::add_bytes(uint16_t type, size_t length)
     return tlv + HEADER;
 }
 
+void Reply::add_tlvs(Bytes tlvs)
+{
+    std::memcpy(out_.extend(tlvs.size()), tlvs.data(), tlvs.size());
+}
+
 void Reply::add_record(uint16_t type, const void *value, size_t length)
 {
     uint8_t *const copy = add_bytes(type, length);

@@ -49,6 +49,10 @@ public:
     }
     // A TLV of bytes that are in network order already; returns where its value is to be written.
     uint8_t *add_bytes(uint16_t type, size_t length);
+    // A TLV of a value in host order whose size is not that of a record.
+    void add_value(uint16_t type, Bytes value) { add_record(type, value.data(), value.size()); }
+    // Whole TLVs as they travel.
+    void add_tlvs(Bytes tlvs);
     size_t size() const { return out_.open_size(); }
     void end() { out_.end(); }
 

@@ -31,6 +31,8 @@
     X(NO_RULE, 0x42300121, "the table does not have this rule")                                    \
     X(BAD_MATCH, 0x42300122, "the match is malformed")                                             \
     X(NO_GROUP, 0x42300123, "the instance does not have this group")                               \
+    X(NO_METER, 0x42300125, "the instance does not have this meter")                               \
+    X(BAD_PACKET, 0x42300124, "the packet's fields are malformed, or one of them has a mask")      \
     /* configuration */                                                                            \
     X(NOT_STORED, 0x42300140, "the configuration cannot be stored; nothing was changed")           \
     X(BAD_VALUE, 0x42300141, "a value is out of its range")                                        \

@@ -23,8 +23,9 @@ uint32_t take_key(const Request &request, const Model &model, OfpRuleIDInfo &key
 
 OfpFRStatsInfo statistics(const RuleView &rule)
 {
-    return {
-        .packet_count = rule.packets, .byte_count = rule.bytes, .duration_sec = rule.age_seconds};
+    return {.packet_count = rule.counters.packets,
+            .byte_count = rule.counters.bytes,
+            .duration_sec = rule.age_seconds};
 }
 
 uint32_t answer_next(uint32_t next, uint32_t message, Reply &reply)

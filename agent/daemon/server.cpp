@@ -240,13 +240,13 @@ void Server::go_on(Connection &connection, short what)
     if (open && (what & EV_READ)) {
         open = read_some(connection);
     }
+    account(connection);
     if (open && connection.held) {
         return;
     }
     if (open && connection.ended && connection.queue.empty()) {
         open = false;
     }
-    account(connection);
     if (!open || !await(connection)) {
         close(connection);
     }

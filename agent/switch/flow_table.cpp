@@ -1,6 +1,7 @@
 #include "switch/flow_table.h"
 
 #include <algorithm>
+#include <new>
 #include <vector>
 
 namespace agent {
@@ -55,7 +56,7 @@ std::optional<Error> FlowTable::add(Key &key, const Programming &programming)
 {
     const uint16_t priority = programming.priority;
     if (const uint32_t same = key.known ? index_.find(priority, key.view()) : 0) {
-        rewrite(same, make(key.view(), programming));
+        rewrite(same, make(key.view(), programming), programming.flags);
         return {};
     }
     if (size_ >= capacity_) {
@@ -76,7 +77,7 @@ Rule *FlowTable::make(KeyView key, const Programming &programming)
     head.programmed = programming.period;
     head.created = programming.now;
     head.priority = programming.priority;
-    head.flags = programming.flags;
+    head.flags = static_cast<uint8_t>(programming.flags);
     head.uses_groups = refers_to_group(programming.instructions, openflow::OFPG_ANY);
     return make_rule(head, key.values, programming.match, programming.instructions, &memory_);
 }
@@ -108,15 +109,19 @@ void FlowTable::insert(Key &key, const Programming &programming)
         throw;
     }
     size_++;
+    classify(id);
     if (rule->uses_groups) {
         groups_.refer(rule->instructions());
     }
 }
 
 // Puts a rule with the same key in the place of another; the index sees no difference.
-void FlowTable::rewrite(uint32_t id, Rule *rule) noexcept
+void FlowTable::rewrite(uint32_t id, Rule *rule, uint16_t flags) noexcept
 {
     Rule *old = rules_[id];
+    if ((flags & openflow::OFPFF_RESET_COUNTS) == 0) {
+        rule->counters = old->counters;
+    }
     if (rule->uses_groups) {
         groups_.refer(rule->instructions());
     }
@@ -130,6 +135,7 @@ void FlowTable::rewrite(uint32_t id, Rule *rule) noexcept
 void FlowTable::remove(uint32_t id) noexcept
 {
     Rule *rule = rules_[id];
+    declassify(id);
     index_.erase(id);
     ids_.erase(id);
     rules_.remove(id);
@@ -174,7 +180,7 @@ void FlowTable::modify(KeyView key, const Filter &filter, const Programming &pro
         throw;
     }
     for (const auto &[id, rule] : rules) {
-        rewrite(id, rule);
+        rewrite(id, rule, programming.flags);
     }
 }
 
@@ -185,7 +191,7 @@ void FlowTable::modify_strict(KeyView key, const Filter &filter, const Programmi
         return;
     }
     const Rule &rule = *rules_[id];
-    rewrite(id, make(rule.key(), modified(rule, programming)));
+    rewrite(id, make(rule.key(), modified(rule, programming)), programming.flags);
 }
 
 void FlowTable::erase(KeyView key, const Filter &filter) noexcept
@@ -211,6 +217,69 @@ void FlowTable::erase_referring(uint32_t group) noexcept
 uint64_t FlowTable::erase_programmed_before(uint64_t period) noexcept
 {
     return remove_if([period](const Rule &rule) { return rule.programmed < period; });
+}
+
+uint32_t FlowTable::look_up(const Packet &packet)
+{
+    if (!classifier_) {
+        make_classifier();
+    }
+    changes_ = 0;
+    return classifier_->best(packet);
+}
+
+// In the order in which every rule goes to the front of its chain.
+void FlowTable::make_classifier()
+{
+    std::vector<std::pair<uint16_t, uint32_t>> order;
+    order.reserve(size_);
+    for (uint32_t id = ids_.next(0); id != 0; id = ids_.next(id)) {
+        order.emplace_back(rules_[id]->priority, UINT32_MAX - id);
+    }
+    std::sort(order.begin(), order.end());
+    try {
+        classifier_.emplace(rules_, &memory_);
+        for (const auto &[priority, reversed] : order) {
+            if (!classifier_->insert(UINT32_MAX - reversed)) {
+                throw std::bad_alloc();
+            }
+        }
+    } catch (...) {
+        classifier_.reset();
+        throw;
+    }
+}
+
+// Keeping a classifier that nobody asks any more costs more than making another one.
+bool FlowTable::keeps_classifier() noexcept
+{
+    constexpr uint32_t FEW = 1024;
+    if (classifier_ && ++changes_ > std::max(FEW, size_)) {
+        classifier_.reset();
+    }
+    return classifier_.has_value();
+}
+
+// Without memory for it the classifier goes; the rule stays.
+void FlowTable::classify(uint32_t id) noexcept
+{
+    if (!keeps_classifier()) {
+        return;
+    }
+    try {
+        if (!classifier_->insert(id)) {
+            classifier_.reset();
+        }
+    } catch (const std::bad_alloc &) {
+        classifier_.reset();
+    }
+}
+
+void FlowTable::declassify(uint32_t id) noexcept
+{
+    if (keeps_classifier()) {
+        classifier_->erase(id);
+    }
 }
 
 uint32_t FlowTable::next_identical(KeyView key, uint32_t after) const

@@ -69,9 +69,12 @@ std::optional<Error> Groups::add(const GroupMod &mod, const GroupLimits &limits,
     if (by_id_.size() >= limits.groups) {
         return failed(openflow::OFPGMFC_OUT_OF_GROUPS);
     }
-    std::pmr::vector<uint8_t> bytes(mod.buckets.begin(), mod.buckets.end(),
-                                    by_id_.get_allocator().resource());
-    by_id_.emplace(mod.group_id, GroupEntry{mod.type, buckets, 0, now, std::move(bytes)});
+    std::pmr::memory_resource *memory = by_id_.get_allocator().resource();
+    std::pmr::vector<uint8_t> bytes(mod.buckets.begin(), mod.buckets.end(), memory);
+    std::pmr::vector<Traffic> counters(buckets, memory);
+    by_id_.emplace(
+        mod.group_id,
+        GroupEntry{mod.type, buckets, 0, now, {}, std::move(bytes), std::move(counters)});
     return {};
 }
 
@@ -85,7 +88,9 @@ std::optional<Error> Groups::modify(const GroupMod &mod, const GroupLimits &limi
     if (auto error = check(mod, limits, buckets)) {
         return error;
     }
+    std::pmr::vector<Traffic> counters(buckets, by_id_.get_allocator().resource());
     at->second.buckets.assign(mod.buckets.begin(), mod.buckets.end());
+    at->second.bucket_counters = std::move(counters); // those of other buckets
     at->second.type = mod.type;
     at->second.bucket_count = buckets;
     return {};
@@ -94,6 +99,12 @@ std::optional<Error> Groups::modify(const GroupMod &mod, const GroupLimits &limi
 void Groups::erase(uint32_t id) noexcept { by_id_.erase(id); }
 
 const GroupEntry *Groups::find(uint32_t id) const
+{
+    const auto at = by_id_.find(id);
+    return at != by_id_.end() ? &at->second : nullptr;
+}
+
+GroupEntry *Groups::find(uint32_t id)
 {
     const auto at = by_id_.find(id);
     return at != by_id_.end() ? &at->second : nullptr;

@@ -10,6 +10,7 @@
 
 #include "openflow/message.h"
 #include "openflow/wire.h"
+#include "switch/traffic.h"
 
 namespace agent {
 
@@ -18,7 +19,9 @@ struct GroupEntry {
     uint32_t bucket_count = 0;
     uint32_t references = 0; // group actions of rules
     uint32_t created = 0;
+    Traffic counters;
     std::pmr::vector<uint8_t> buckets;
+    std::pmr::vector<Traffic> bucket_counters;
 };
 
 struct GroupLimits {
@@ -39,6 +42,7 @@ public:
     void clear() noexcept { by_id_.clear(); }
 
     const GroupEntry *find(uint32_t id) const;
+    GroupEntry *find(uint32_t id);
     std::optional<uint32_t> next(int64_t after) const;
     uint32_t size() const { return static_cast<uint32_t>(by_id_.size()); }
 

@@ -3,32 +3,11 @@
 #include <algorithm>
 #include <cstring>
 
-#include "openflow/oxm_fields.h"
-
 namespace agent {
 namespace {
 
 using openflow::Error;
 using openflow::Oxm;
-
-// Where the basic fields lie in the words, by field number: what is matched together lies together,
-// so that a rule on addresses, protocol and ports has three words.
-constexpr std::array<uint16_t, 40> BASIC_OFFSETS = {
-    24, 172, 32,  40,  48,  0,  2,  7,   5,   6,   // in_port .. ip_ecn
-    4,  8,   12,  16,  18,  20, 22, 64,  66,  68,  // ip_proto .. icmpv4_type
-    69, 70,  72,  76,  80,  88, 96, 112, 160, 86,  // icmpv4_code .. icmpv6_type
-    87, 128, 144, 152, 164, 47, 54, 168, 56,  94}; // icmpv6_code .. ipv6_exthdr
-
-constexpr size_t VRF_OFFSET = 28;
-constexpr size_t CVLAN_VID_OFFSET = 30;
-constexpr size_t FRAGMENT_OFFSET = 46;
-constexpr size_t OUT_PORT_OFFSET = 176;
-
-// Opaque values have half a word each.
-constexpr size_t OPAQUE_OFFSET = 184;
-constexpr size_t OPAQUE_WORD = OPAQUE_OFFSET / 8;
-constexpr size_t OPAQUES = 61;
-static_assert(OPAQUE_OFFSET + OPAQUES * 4 <= MATCH_WORDS * 8);
 
 size_t opaque_offset(uint8_t field)
 {
@@ -111,22 +90,10 @@ void put_opaque(const Oxm &oxm, OpaqueList &opaques)
 
 void place(const Oxm &oxm, Words &words, OpaqueList &opaques)
 {
-    if (oxm.oxm_class == openflow::OFPXMC_OPENFLOW_BASIC) {
-        const auto &rule = openflow::BASIC_FIELDS[oxm.field];
-        put(words, BASIC_OFFSETS[oxm.field], rule.width, oxm);
-        return;
-    }
-    switch (oxm.field) {
-    case openflow::PRIVATE_VRF:
-        return put(words, VRF_OFFSET, 16, oxm);
-    case openflow::PRIVATE_FRAGMENT:
-        return put(words, FRAGMENT_OFFSET, 8, oxm);
-    case openflow::PRIVATE_OUT_PORT:
-        return put(words, OUT_PORT_OFFSET, 32, oxm);
-    case openflow::PRIVATE_CVLAN_VID:
-        return put(words, CVLAN_VID_OFFSET, 13, oxm);
-    default:
-        return put_opaque(oxm, opaques);
+    if (const auto at = place_of(oxm.oxm_class, oxm.field)) {
+        put(words, at->offset, at->width, oxm);
+    } else {
+        put_opaque(oxm, opaques);
     }
 }
 
@@ -260,7 +227,7 @@ uint32_t project(KeyView key, const Mask &onto)
             }
         }
     }
-    return static_cast<uint32_t>(hash * 0xd6e8feb86659fd93 >> 32);
+    return finish(hash);
 }
 
 } // namespace agent

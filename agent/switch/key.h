@@ -9,12 +9,11 @@
 #include <optional>
 
 #include "openflow/oxm.h"
+#include "switch/field_layout.h"
 #include "switch/mask.h"
 #include "switch/opaque.h"
 
 namespace agent {
-
-inline constexpr size_t MATCH_WORDS = 54;
 
 // Words in ascending order, one for each word of the mask; no bit outside the mask is set.
 struct KeyView {
@@ -53,6 +52,12 @@ inline uint64_t mix(uint64_t hash, uint64_t word)
 {
     hash = (hash ^ word) * 0x9e3779b97f4a7c15;
     return hash ^ hash >> 32;
+}
+
+// The 32 bits of a hash that tables go by.
+inline uint32_t finish(uint64_t hash)
+{
+    return static_cast<uint32_t>(hash * 0xd6e8feb86659fd93 >> 32);
 }
 
 // A hash of the bits of the key that onto has; the key's mask covers onto.

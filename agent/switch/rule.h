@@ -6,12 +6,14 @@
 #include <span>
 
 #include "switch/key.h"
+#include "switch/traffic.h"
 
 namespace agent {
 
 struct Rule {
     MaskRef mask;
     uint64_t cookie = 0;
+    Traffic counters;
     uint64_t programmed = 0; // the client's count of periods when it was programmed last
     uint32_t created = 0;
     uint16_t priority = 0;

@@ -11,6 +11,7 @@
 #include "switch/groups.h"
 #include "switch/key.h"
 #include "switch/memory.h"
+#include "switch/pipeline.h"
 
 namespace agent {
 namespace {
@@ -89,7 +90,7 @@ struct Client {
     {}
 
     Groups groups;
-    std::pmr::map<uint8_t, FlowTable> tables;
+    FlowTables tables;
     std::pmr::vector<Period> periods;
     uint64_t opened = 0; // periods so far
 };
@@ -177,9 +178,8 @@ std::optional<Error> Switch::Impl::program(Client &owner, const openflow::FlowMo
     }
     FlowTable &into = table(owner, mod.table_id);
     const bool check_overlap = (mod.flags & openflow::OFPFF_CHECK_OVERLAP) != 0;
-    const Programming programming = {
-        mod.priority,  mod.cookie,      owner.opened,     clock(),
-        check_overlap, mod.match.bytes, mod.instructions, static_cast<uint8_t>(mod.flags)};
+    const Programming programming = {mod.priority,  mod.cookie,      owner.opened,     clock(),
+                                     check_overlap, mod.match.bytes, mod.instructions, mod.flags};
     // A modify is not narrowed by port or group.
     const Filter filter = {mod.cookie, mod.cookie_mask, openflow::OFPP_ANY, openflow::OFPG_ANY};
     if (mod.command == openflow::OFPFC_ADD) {
@@ -284,6 +284,33 @@ std::optional<Error> Switch::group_mod(uint16_t client, std::span<const uint8_t>
     }
 }
 
+std::optional<Error> Switch::trace(uint16_t client, const PacketQuery &query, Trace &trace)
+{
+    Packet packet;
+    if (auto error = read_packet(query.fields, packet)) {
+        return error;
+    }
+    const auto owner = impl_->clients.find(client);
+    if (owner != impl_->clients.end()) {
+        trace = follow(packet, query, owner->second.tables, owner->second.groups);
+        return {};
+    }
+    Client nobody(&impl_->memory);
+    trace = follow(packet, query, nobody.tables, nobody.groups);
+    return {};
+}
+
+void Switch::count(const Trace &trace, uint32_t bytes) noexcept
+{
+    for (uint64_t *packets : trace.counted_once) {
+        ++*packets;
+    }
+    for (Traffic *counters : trace.counted) {
+        counters->packets++;
+        counters->bytes += bytes;
+    }
+}
+
 bool Switch::open_period(uint16_t client, uint32_t smooth_id)
 {
     try {
@@ -367,6 +394,7 @@ std::optional<RuleView> Switch::rule(uint16_t client, uint8_t table, uint32_t id
     view.priority = rule->priority;
     view.match = rule->match();
     view.instructions = rule->instructions();
+    view.counters = rule->counters;
     view.age_seconds = impl_->clock() - rule->created;
     view.cookie = rule->cookie;
     view.flags = rule->flags;
@@ -377,9 +405,9 @@ TableView Switch::table(uint16_t client, uint8_t table) const
 {
     const FlowTable *in = impl_->find(client, table);
     if (in == nullptr) {
-        return {impl_->limits.rules_per_table, 0, 0};
+        return {.capacity = impl_->limits.rules_per_table};
     }
-    return {in->capacity(), in->size(), in->memory()};
+    return {in->capacity(), in->size(), in->memory(), in->use.lookups, in->use.matched};
 }
 
 std::optional<uint8_t> Switch::next_table(uint16_t client, int after) const
@@ -411,7 +439,9 @@ std::optional<GroupView> Switch::group(uint16_t client, uint32_t id) const
                      group->buckets,
                      group->bucket_count,
                      group->references,
-                     impl_->clock() - group->created};
+                     impl_->clock() - group->created,
+                     group->counters,
+                     group->bucket_counters};
 }
 
 uint32_t Switch::group_count(uint16_t client) const

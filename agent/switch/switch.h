@@ -1,4 +1,4 @@
-// The memory switch: OpenFlow 1.3 flow tables and groups, without packets and without sockets.
+// The memory switch: OpenFlow 1.3 flow tables and groups, without sockets.
 #pragma once
 
 #include <cstddef>
@@ -9,6 +9,7 @@
 #include <span>
 
 #include "openflow/wire.h"
+#include "switch/trace.h"
 
 namespace agent {
 
@@ -25,8 +26,7 @@ struct RuleView {
     uint16_t priority = 0;
     std::span<const uint8_t> match;        // ofp_match with its pad bytes, as received
     std::span<const uint8_t> instructions; // as received
-    uint64_t packets = 0;                  // 0: no packets pass a memory switch
-    uint64_t bytes = 0;
+    Traffic counters;                      // what sent packets left; there are no others
     uint32_t age_seconds = 0;
     uint64_t cookie = 0;
     uint16_t flags = 0; // of the flow-mod that added it
@@ -36,6 +36,8 @@ struct TableView {
     uint32_t capacity = 0;
     uint32_t rules = 0;
     size_t memory = 0; // bytes
+    uint64_t lookups = 0;
+    uint64_t matched = 0;
 };
 
 struct GroupView {
@@ -45,6 +47,8 @@ struct GroupView {
     uint32_t bucket_count = 0;
     uint32_t references = 0; // group actions in the client's rules that name it
     uint32_t age_seconds = 0;
+    Traffic counters;
+    std::span<const Traffic> bucket_counters;
 };
 
 // Seconds of any clock that does not go back.
@@ -66,6 +70,11 @@ public:
     // One message in network order; nothing returned means that it was applied.
     std::optional<openflow::Error> flow_mod(uint16_t client, std::span<const uint8_t> message);
     std::optional<openflow::Error> group_mod(uint16_t client, std::span<const uint8_t> message);
+
+    // What becomes of a packet; nothing changes. Throws std::bad_alloc.
+    std::optional<openflow::Error> trace(uint16_t client, const PacketQuery &query, Trace &trace);
+    // Counts it, as a packet of so many bytes, wherever it came by. Nothing may have changed since.
+    static void count(const Trace &trace, uint32_t bytes) noexcept;
 
     // A period is the client's promise to program all its rules again. Opening one that is open
     // changes nothing. Closing removes the rules of the client that were not programmed since it

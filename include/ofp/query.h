@@ -350,7 +350,8 @@ OFP_API uint32_t OFP_get_NextGroupID(uint16_t instance_id, uint32_t group_id, ui
  * none). Sends 0x1000002b with TLV 225, takes TLV 97. */
 OFP_API uint32_t OFP_get_NextSmartGroupID(OfpSmartGroupID *group);
 
-/* A group, its statistics and buckets. Sends 0x10000015 with TLV 97. */
+/* A group, its statistics and buckets; one of many buckets may take OFP_LARGE_DATAGRAM_SIZE bytes.
+ * Sends 0x10000015 with TLV 97. */
 OFP_API uint32_t OFP_get_GroupSummary(uint16_t instance_id, uint32_t group_id, uint64_t size,
                                       uint8_t *buffer, uint64_t *length);
 

@@ -5,9 +5,11 @@
 
 #include <fmt/format.h>
 
+#include "flow/action_text.h"
 #include "flow/experimenter_text.h"
 #include "flow/field_table.h"
 #include "flow/flow_draft.h"
+#include "flow/match_text.h"
 #include "flow/port_text.h"
 #include "openflow/message.h"
 #include "openflow/oxm.h"
@@ -235,6 +237,37 @@ FlowDecodeResult decode_flow_mod(std::span<const uint8_t> message)
     if (auto wrong = read_instructions(mod->instructions, draft))
         return std::move(*wrong);
     return Flow{draft.make(), mod->table_id};
+}
+
+std::optional<FieldText> decode_field(std::span<const uint8_t> entry)
+{
+    openflow::OxmWalk walk(entry);
+    const auto oxm = walk.next();
+    if (!oxm)
+        return std::nullopt;
+    FlowDraft draft;
+    const Field *field = find_field(oxm->field);
+    if (field == nullptr || read_oxm(*oxm, draft) || !takes_part(draft.match(), *field))
+        return std::nullopt;
+    FieldText text{std::string(field->name), {}};
+    append_field_value(text.value, draft.match(), *field);
+    return text;
+}
+
+std::string decode_actions(std::span<const uint8_t> actions)
+{
+    std::string text;
+    openflow::ActionWalk walk(actions);
+    while (const auto action = walk.next()) {
+        FlowDraft draft;
+        if (!text.empty())
+            text += ',';
+        if (read_action(*action, draft))
+            text += fmt::format("action({})", action->type);
+        else
+            append_action(text, draft.actions.front().header);
+    }
+    return text;
 }
 
 } // namespace ofpctl

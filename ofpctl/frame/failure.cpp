@@ -72,6 +72,11 @@ int status_of(uint32_t code)
     case agent::NO_GROUP:
     case agent::NO_APPLICATION:
     case agent::NOT_PRESENT:
+    case agent::NO_METER:
+    case agent::NO_CONTROLLER:
+    case agent::NO_AUXILIARY:
+    case agent::NO_PORT:
+    case agent::NOT_BOUND:
         return status_missing;
     case agent::OTHER_USER:
         return status_denied;

@@ -41,6 +41,15 @@ void append_options(std::string &out, std::string_view title, std::span<const Op
         append_row(out, option_form(option), 22, option_help(option));
 }
 
+void append_settings(std::string &out, const Verb &verb)
+{
+    if (verb.settings == nullptr)
+        return;
+    out += "\nNames and values:\n";
+    for (const SettingRow *row : verb.settings())
+        append_row(out, setting_form(*row), 34, setting_help(*row));
+}
+
 } // namespace
 
 std::string wrap(std::string_view text, std::size_t indent, std::size_t width)
@@ -96,6 +105,28 @@ std::string option_help(const OptionRow &option)
     return help;
 }
 
+std::string setting_form(const SettingRow &row)
+{
+    std::string form = fmt::format("{}={}", row.name, row.value);
+    for (const Choice &choice : row.choices)
+        form += fmt::format("{}{}", &choice == row.choices.data() ? "" : "|", choice.word);
+    return form;
+}
+
+std::string setting_help(const SettingRow &row)
+{
+    switch (row.form) {
+    case ValueForm::number:
+        return fmt::format("{}, {} to {}", row.help, row.least, row.most);
+    case ValueForm::text:
+        return fmt::format("{}, at most {} bytes", row.help, row.most);
+    case ValueForm::ids:
+        return fmt::format("{}; ids {} to {}", row.help, row.least, row.most);
+    default:
+        return std::string(row.help);
+    }
+}
+
 std::string verb_help(const Noun &noun, const Verb &verb)
 {
     std::string out = fmt::format("Usage: {}\n\n{}", usage(noun, verb), wrap(verb.help, 0));
@@ -103,6 +134,7 @@ std::string verb_help(const Noun &noun, const Verb &verb)
         out += "\n" + wrap(verb.details, 0);
     append_options(out, "Options", verb.options);
     append_options(out, "Options of every command", common_options());
+    append_settings(out, verb);
     out += "\nExamples:\n";
     for (const Example &example : verb.examples)
         out += fmt::format("  {}\n      {}\n", example.command, example.purpose);

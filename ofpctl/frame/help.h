@@ -21,6 +21,11 @@ std::string option_form(const OptionRow &option);
 // The help line of an option with its range or words and what holds without it.
 std::string option_help(const OptionRow &option);
 
+// "echo-interval=SECONDS", "fail-open=secure|standalone"
+std::string setting_form(const SettingRow &row);
+// The help line of a setting with its range.
+std::string setting_help(const SettingRow &row);
+
 // Text in lines of at most the width, each begun by the indent.
 std::string wrap(std::string_view text, std::size_t indent, std::size_t width = 80);
 

@@ -2,11 +2,13 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstring>
 
 #include <poll.h>
 
 #include "frame/interrupt.h"
 #include "frame/platform_call.h"
+#include "frame/rehearsal.h"
 #include "ofp/platform.h"
 
 namespace ofpctl {
@@ -15,6 +17,7 @@ namespace {
 
 uint32_t longest_wait = 30;
 Wait last = Wait::none;
+bool result_came = false;
 
 constexpr int32_t do_not_wait = 0x40;
 constexpr int32_t option_level = 1;
@@ -57,8 +60,24 @@ bool wait_readable(int descriptor)
 
 bool would_wait(int64_t received) { return received < 0 && (errno == EAGAIN || errno == EINTR); }
 
+// The head of a result reply: a message head with that code, then a result code.
+bool is_result(const uint8_t *reply, int64_t length)
+{
+    constexpr uint8_t head[] = {0x00, 0x01, 0x00, 0x04, 0x20, 0x00,
+                                0x00, 0x01, 0x00, 0x02, 0x00, 0x04};
+    return length >= static_cast<int64_t>(sizeof head + sizeof(uint32_t)) &&
+           std::memcmp(reply, head, sizeof head) == 0;
+}
+
+void note_reply(const void *reply, int64_t length)
+{
+    result_came = is_result(static_cast<const uint8_t *>(reply), length);
+}
+
 int64_t receive(int32_t s, void *buffer, size_t size, int32_t flags)
 {
+    if (rehearsing())
+        return rehearsed_reply(buffer, size);
     static const auto forward = platform_call<decltype(SOCK_Recv)>("SOCK_Recv");
     // Most answers of a bulk load are there already: one call, no poll.
     int64_t received = forward(s, buffer, size, flags | do_not_wait);
@@ -68,6 +87,7 @@ int64_t receive(int32_t s, void *buffer, size_t size, int32_t flags)
         received = forward(s, buffer, size, flags | do_not_wait);
     }
     last = received > 0 ? Wait::answered : Wait::hung_up;
+    note_reply(buffer, received);
     return received;
 }
 
@@ -76,7 +96,13 @@ int64_t receive(int32_t s, void *buffer, size_t size, int32_t flags)
 void set_patience(uint32_t seconds) { longest_wait = seconds; }
 uint32_t patience() { return longest_wait; }
 Wait last_wait() { return last; }
-void forget_waits() { last = Wait::none; }
+bool result_arrived() { return result_came; }
+
+void forget_waits()
+{
+    last = Wait::none;
+    result_came = false;
+}
 
 } // namespace ofpctl
 
@@ -90,6 +116,8 @@ extern "C" __attribute__((visibility("default"))) int32_t
 SOCK_Connect(int32_t s, const void *address, uint32_t length)
 {
     using namespace ofpctl;
+    if (rehearsing())
+        return 0;
     static const auto forward = platform_call<decltype(SOCK_Connect)>("SOCK_Connect");
     // Bounds connecting and sending; receiving never waits in the platform.
     const TimeOut limit{patience(), 0};

@@ -18,6 +18,8 @@ enum class Wait { none, answered, hung_up, timed_out, interrupted };
 
 // How the last wait ended; forget_waits makes it none.
 Wait last_wait();
+// Whether the last answer was a result reply. The library takes any other for a success.
+bool result_arrived();
 void forget_waits();
 
 } // namespace ofpctl

@@ -128,6 +128,10 @@ int dispatch(std::span<const std::string> words, Output &out)
         print_help(out, noun_help(noun));
         return status_done;
     }
+    // An object that can only be shown needs no word for it.
+    if (noun.verbs.size() == 1 && noun.verbs.front().name == "show" &&
+        (line.rest.size() == 1 || line.rest[1].starts_with('-')))
+        line.rest.insert(line.rest.begin() + 1, "show");
     if (line.rest.size() == 1)
         throw usage_failure(
             fmt::format("{}: which command? {}", noun.name, one_of("", names(noun.verbs))));

@@ -8,6 +8,8 @@
 #include <span>
 #include <string_view>
 
+#include "frame/setting.h"
+
 namespace ofpctl {
 
 struct Context;
@@ -58,6 +60,7 @@ struct Verb {
     Operands operands;
     std::span<const OptionRow> options;
     std::span<const Example> examples;
+    SettingRows (*settings)() = nullptr; // of NAME=VALUE operands
 };
 
 struct Noun {

@@ -13,6 +13,7 @@
 #include "ofp.h"
 #include "verbs/event_text.h"
 #include "verbs/nouns.h"
+#include "verbs/watch.h"
 
 namespace ofpctl {
 
@@ -72,7 +73,7 @@ void write_json(JsonWriter &json, const AppInfo &app)
     json.wide("dropped", app.dropped);
 }
 
-void list_apps(Context &context)
+void print_apps(Context &context)
 {
     require_agent();
     Output &out = context.out;
@@ -98,7 +99,7 @@ void list_apps(Context &context)
     }
 }
 
-void show_app(Context &context)
+void print_app(Context &context)
 {
     const auto id = static_cast<uint8_t>(
         require_number("ID", context.arguments.operands().front(), first_app, last_app));
@@ -122,6 +123,11 @@ void show_app(Context &context)
     context.out.line(fmt::format("events dropped  {}", app->dropped));
 }
 
+void list_apps(Context &context) { watch(context, print_apps); }
+void show_app(Context &context) { watch(context, print_app); }
+
+constexpr OptionRow options[] = {watch_option, rounds_option};
+
 constexpr Example list_examples[] = {
     {"ofpctl app list", "Lists who is registered and what became of their events"},
 };
@@ -135,11 +141,13 @@ constexpr Verb rows[] = {
      .help = "Lists the registered applications and their events.",
      .details = "Waiting are events that an application has not read yet; the agent drops further "
                 "ones when 8192 wait.",
+     .options = options,
      .examples = list_examples},
     {.name = "show",
      .run = show_app,
      .help = "Shows one application.",
      .operands = {"ID", Kind::number, 1, 1, first_app, last_app},
+     .options = options,
      .examples = show_examples},
 };
 

@@ -1,6 +1,7 @@
 // Completion scripts, made of the verb table.
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -21,6 +22,21 @@ std::string spaced(std::string_view words)
     for (const std::string_view word : split(words, '|'))
         out += fmt::format("{}{}", out.empty() ? "" : " ", word);
     return out;
+}
+
+// The words a NAME=VALUE operand may begin with: whole where the values are known.
+std::vector<std::string> setting_words(const Verb &verb)
+{
+    std::vector<std::string> words;
+    if (verb.settings == nullptr)
+        return words;
+    for (const SettingRow *row : verb.settings()) {
+        if (row->choices.empty())
+            words.push_back(fmt::format("{}=", row->name));
+        for (const Choice &choice : row->choices)
+            words.push_back(fmt::format("{}={}", row->name, choice.word));
+    }
+    return words;
 }
 
 // Calls visit(option) for the verb's options and the common ones.
@@ -61,7 +77,10 @@ _ofpctl()
            elif [[ -z $verb ]]; then verb=${COMP_WORDS[i]}; fi ;;
         esac
     done
-    local words= files=
+    # Readline takes "=" for a word of its own: put NAME=VALUE together again.
+    local whole=$cur
+    if [[ $cur == '=' ]]; then whole=$prev=; elif [[ $prev == '=' ]]; then whole=${COMP_WORDS[COMP_CWORD-2]}=$cur; fi
+    local words= files= settings=
     case "$noun $verb $prev" in
 )";
 
@@ -72,6 +91,12 @@ constexpr std::string_view bash_middle = R"(    *)
 constexpr std::string_view bash_end = R"(        esac ;;
     esac
     [[ $cur == -* ]] && files=
+    if [[ -n $settings && $cur != -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$settings" -- "$whole")
+        [[ $whole == *=* && $whole != "$cur" ]] && COMPREPLY=("${COMPREPLY[@]#*=}")
+        [[ ${COMPREPLY[*]} == *= ]] && compopt -o nospace 2>/dev/null
+        return 0
+    fi
     mapfile -t COMPREPLY < <(compgen ${files:+-f} -W "$words" -- "$cur")
     [[ -n $files ]] && compopt -o filenames 2>/dev/null
     return 0
@@ -99,8 +124,13 @@ void append_bash_verb(std::string &out, const Noun &noun, const Verb &verb)
     each_option(verb, [&](const OptionRow &option) {
         words += fmt::format("{}--{}", words.empty() ? "" : " ", option.name);
     });
-    out += fmt::format("        \"{} {}\") words='{}'{} ;;\n", noun.name, verb.name, words,
-                       verb.operands.kind == Kind::file ? " files=1" : "");
+    std::string settings;
+    for (const std::string &word : setting_words(verb))
+        settings += fmt::format("{}{}", settings.empty() ? "" : " ", word);
+    if (!settings.empty())
+        settings = fmt::format(" settings='{}'", settings);
+    out += fmt::format("        \"{} {}\") words='{}'{}{} ;;\n", noun.name, verb.name, words,
+                       verb.operands.kind == Kind::file ? " files=1" : "", settings);
 }
 
 std::string bash_script()
@@ -193,8 +223,13 @@ void append_zsh_verb(std::string &out, const Noun &noun, const Verb &verb)
         if (option.letter)
             out += zsh_option(option, fmt::format("-{}", option.letter));
     });
-    out += fmt::format("            '1: : ' '2: : ' {} ;;\n",
-                       verb.operands.kind == Kind::file ? "'*:file:_files'" : "'*: : '");
+    std::string operands = verb.operands.kind == Kind::file ? "'*:file:_files'" : "'*: : '";
+    std::string settings;
+    for (const std::string &word : setting_words(verb))
+        settings += " " + word;
+    if (!settings.empty())
+        operands = fmt::format("'*: :({} )'", settings);
+    out += fmt::format("            '1: : ' '2: : ' {} ;;\n", operands);
 }
 
 std::string zsh_script()
@@ -253,6 +288,8 @@ void append_fish_verb(std::string &out, const Noun &noun, const Verb &verb)
     each_option(verb, [&](const OptionRow &option) { out += at + fish_option(option) + "\n"; });
     if (verb.operands.kind == Kind::file)
         out += at + " -F\n";
+    for (const std::string &word : setting_words(verb))
+        out += fmt::format("{} -a {}\n", at, word);
 }
 
 std::string fish_script()

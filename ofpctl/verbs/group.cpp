@@ -12,7 +12,9 @@
 #include "frame/words.h"
 #include "verbs/flow_program.h"
 #include "verbs/group_text.h"
+#include "verbs/group_verbs.h"
 #include "verbs/nouns.h"
+#include "verbs/watch.h"
 
 namespace ofpctl {
 
@@ -123,6 +125,14 @@ void delete_groups(Context &context)
 
 constexpr OptionRow options[] = {client_option, dry_run_option};
 
+constexpr OptionRow show_options[] = {owner_option, watch_option, rounds_option};
+
+constexpr Example list_examples[] = {
+    {"ofpctl group list", "The groups of client 4096 and what they counted"},
+};
+constexpr Example show_examples[] = {
+    {"ofpctl group show 7", "Group 7 as it would be added, its counters, the rules that use it"},
+};
 constexpr Example add_examples[] = {
     {"ofpctl group add 'group_id=7,type=all,bucket=output:1,bucket=output:2'",
      "A group that copies packets to ports 1 and 2"},
@@ -144,6 +154,17 @@ constexpr Verb rows[] = {
      .operands = {"GROUP...", Kind::text, 1, any_number},
      .options = options,
      .examples = add_examples},
+    {.name = "list",
+     .run = list_groups,
+     .help = "Lists an instance's groups.",
+     .options = show_options,
+     .examples = list_examples},
+    {.name = "show",
+     .run = show_group,
+     .help = "Shows a group.",
+     .operands = {"ID", Kind::number, 1, 1, 0, last_group},
+     .options = show_options,
+     .examples = show_examples},
     {.name = "del",
      .run = delete_groups,
      .help = "Deletes groups.",

@@ -37,12 +37,22 @@ std::span<const Noun> nouns()
     static const Noun all[] = {
         {"agent", "The agent process: start, stop, examine.", agent_verbs},
         {"instance", "OpenFlow instances.", instance_verbs},
+        {"controller", "Controllers of an instance.", controller_verbs},
+        {"vlan", "VLANs of an instance and of the switch.", vlan_verbs},
+        {"port", "Ports.", port_verbs},
+        {"global", "Options of the whole switch.", global_verbs},
+        {"debug", "Debugging switches.", debug_verbs},
         {"smooth", "Smooth periods: at their end the rules not programmed again go.", smooth_verbs},
         {"flow", "Flow rules.", flow_verbs},
         {"group", "Groups of output ports.", group_verbs},
+        {"meter", "Meters.", meter_verbs},
         {"table", "Flow tables.", table_verbs},
+        {"packet", "What the switch does with a packet.", packet_verbs},
+        {"summary", "All instances at a glance.", summary_verbs},
+        {"resource", "Resources of the switch.", resource_verbs},
         {"app", "Registered applications.", app_verbs},
         {"event", "Events of the agent.", event_verbs},
+        {"msg", "Datagrams.", msg_verbs},
         {"completion", "Completion scripts for shells.", completion_verbs},
     };
     return all;

@@ -11,12 +11,22 @@ namespace ofpctl {
 extern const std::span<const Verb> agent_verbs;
 extern const std::span<const Verb> app_verbs;
 extern const std::span<const Verb> completion_verbs;
+extern const std::span<const Verb> controller_verbs;
+extern const std::span<const Verb> debug_verbs;
 extern const std::span<const Verb> event_verbs;
 extern const std::span<const Verb> flow_verbs;
+extern const std::span<const Verb> global_verbs;
 extern const std::span<const Verb> group_verbs;
 extern const std::span<const Verb> instance_verbs;
+extern const std::span<const Verb> meter_verbs;
+extern const std::span<const Verb> msg_verbs;
+extern const std::span<const Verb> packet_verbs;
+extern const std::span<const Verb> port_verbs;
+extern const std::span<const Verb> resource_verbs;
 extern const std::span<const Verb> smooth_verbs;
+extern const std::span<const Verb> summary_verbs;
 extern const std::span<const Verb> table_verbs;
+extern const std::span<const Verb> vlan_verbs;
 
 constexpr OptionRow client_option{.name = "client",
                                   .kind = Kind::word,

@@ -119,6 +119,22 @@ uint32_t count_rules(uint16_t client)
     return info.rule_count;
 }
 
+std::optional<StoredRule> find_rule(uint16_t instance, uint8_t table, uint32_t id)
+{
+    std::vector<uint8_t> buffer(OFP_LARGE_DATAGRAM_SIZE);
+    uint64_t length = 0;
+    const uint32_t code = OFP_get_RuleInfo(instance, table, id, buffer.data(), &length);
+    if (nothing_there(code))
+        return std::nullopt;
+    require_success(code, fmt::format("rule {} of table {}", id, table));
+    const RuleReply reply = read_reply(std::span(buffer).first(length));
+    FlowDecodeResult decoded = decode_flow_mod(reply.flow_mod);
+    auto *flow = std::get_if<Flow>(&decoded);
+    if (flow == nullptr)
+        return std::nullopt;
+    return StoredRule{id, std::move(flow->item), reply.counters};
+}
+
 void each_rule(uint16_t client, const std::function<void(StoredRule)> &take)
 {
     Progress progress("reading", count_rules(client), isatty(STDOUT_FILENO) != 1);

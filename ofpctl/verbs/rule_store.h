@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "flow/flow_text.h"
@@ -20,6 +21,9 @@ struct StoredRule {
 
 // How many there are; 0 for a client that never programmed one.
 uint32_t count_rules(uint16_t client);
+
+// One rule of any table; nothing when the table does not have it or it is none that text can say.
+std::optional<StoredRule> find_rule(uint16_t instance, uint8_t table, uint32_t id);
 
 // Hands them over in the order in which they were first programmed. Throws when the agent fails or
 // answers what cannot be read.

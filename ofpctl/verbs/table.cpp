@@ -10,12 +10,14 @@
 #include "frame/interrupt.h"
 #include "ofp.h"
 #include "verbs/nouns.h"
+#include "verbs/watch.h"
 
 namespace ofpctl {
 
 namespace {
 
 constexpr uint8_t before_first = 255;
+constexpr uint32_t last_table = 254;
 
 std::optional<uint8_t> next_table(uint16_t instance, uint8_t table)
 {
@@ -65,7 +67,7 @@ void print_json(JsonWriter &json, uint16_t instance, const std::vector<OfpTableI
     json.end();
 }
 
-void show_tables(Context &context)
+void print_tables(Context &context)
 {
     const auto instance = static_cast<uint16_t>(context.arguments.number("instance"));
     require_agent();
@@ -80,26 +82,67 @@ void show_tables(Context &context)
             fmt::format("{:>5} {:>10} {:>10}", table.table_id, table.rule_count, table.max_rules));
 }
 
-constexpr OptionRow show_options[] = {
-    {.name = "instance",
-     .kind = Kind::number,
-     .value = "ID",
-     .help = "the instance; a client's rules are in the one with its id",
-     .fallback = "4096",
-     .least = 1,
-     .most = UINT16_MAX},
-};
+void print_details(Output &out, const OfpTableInfo &table, const OfpFRStatsInfo &miss)
+{
+    if (out.json()) {
+        JsonWriter &json = out.document();
+        json.number("instance", table.instance_id);
+        json.number("table", table.table_id);
+        json.number("kind", table.value_u32_8);
+        json.number("rules", table.rule_count);
+        json.number("max_rules", table.max_rules);
+        json.number("memory_kib", table.value_u32_12);
+        json.begin_object("table_miss");
+        json.wide("packets", miss.packet_count);
+        json.wide("bytes", miss.byte_count);
+        json.end();
+        return;
+    }
+    out.line(fmt::format("table {} of instance {}", table.table_id, table.instance_id));
+    out.line(fmt::format("  kind        {}", table.value_u32_8));
+    out.line(fmt::format("  rules       {} of {}", table.rule_count, table.max_rules));
+    out.line(fmt::format("  memory      {} KiB", table.value_u32_12));
+    out.line(fmt::format("  table-miss  {} packets, {} bytes", miss.packet_count, miss.byte_count));
+}
 
+void print_table(Context &context)
+{
+    const auto instance = static_cast<uint16_t>(context.arguments.number("instance"));
+    const auto id = static_cast<uint8_t>(
+        require_number("TABLE", context.arguments.operands().front(), 0, last_table));
+    require_agent();
+    const OfpTableInfo table = table_info(instance, id);
+    OfpFRStatsInfo miss{};
+    require_success(OFP_get_MissRuleStats(instance, id, &miss),
+                    fmt::format("table-miss rule of table {} of instance {}", id, instance));
+    print_details(context.out, table, miss);
+}
+
+void list_tables(Context &context) { watch(context, print_tables); }
+void show_table(Context &context) { watch(context, print_table); }
+
+constexpr OptionRow options[] = {owner_option, watch_option, rounds_option};
+
+constexpr Example list_examples[] = {
+    {"ofpctl table list", "The tables that hold the rules of client 4096"},
+    {"ofpctl table list --instance 4097 --json", "Those of client 4097, as JSON"},
+    {"ofpctl table list --watch 1 --rounds 2", "Twice, a second apart"},
+};
 constexpr Example show_examples[] = {
-    {"ofpctl table show", "The tables that hold the rules of client 4096"},
-    {"ofpctl table show --instance 4097 --json", "Those of client 4097, as JSON"},
+    {"ofpctl table show 200", "The table that holds the rules of client 4096"},
 };
 
 constexpr Verb rows[] = {
-    {.name = "show",
-     .run = show_tables,
+    {.name = "list",
+     .run = list_tables,
      .help = "Lists an instance's tables with the rules they hold and may hold.",
-     .options = show_options,
+     .options = options,
+     .examples = list_examples},
+    {.name = "show",
+     .run = show_table,
+     .help = "Shows one table of an instance.",
+     .operands = {"TABLE", Kind::number, 1, 1, 0, last_table},
+     .options = options,
      .examples = show_examples},
 };
 

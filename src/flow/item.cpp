@@ -9,10 +9,12 @@
 namespace ofp {
 namespace {
 
+// Not cleared: each block is written whole. Copies are made for every asynchronous rule, and
+// calloc would pass by the blocks that were freed last.
 template <typename T>
-T *allocate_zeroed(size_t count = 1)
+T *allocate(size_t count = 1)
 {
-    return static_cast<T *>(std::calloc(count, sizeof(T)));
+    return static_cast<T *>(std::malloc(count * sizeof(T)));
 }
 
 // A copy of one owned block, or null when there is none.
@@ -63,7 +65,7 @@ bool own_ipv6(OfpActionSetField *copy)
     const OfpMatchIpv6 *source = copy->ipv6;
     if (source == nullptr)
         return true;
-    copy->ipv6 = allocate_zeroed<OfpMatchIpv6>();
+    copy->ipv6 = allocate<OfpMatchIpv6>();
     if (copy->ipv6 == nullptr)
         return false;
     *copy->ipv6 = *source;
@@ -83,10 +85,10 @@ using namespace ofp;
 
 OFP_API OfpFlowItem *OFP_util_CopyFlowItem(const OfpFlowItem *src)
 {
-    auto *copy = allocate_zeroed<OfpFlowItem>();
+    auto *copy = allocate<OfpFlowItem>();
     if (copy == nullptr)
         return nullptr;
-    copy->priority = src->priority;
+    *copy = {.priority = src->priority};
     if (OFP_util_CopyFRMatch(&src->match, &copy->match) != OFP_RC_OK ||
         OFP_util_CopyAction(src, copy) != OFP_RC_OK) {
         OFP_util_FreeFlowItem(copy);
@@ -97,10 +99,10 @@ OFP_API OfpFlowItem *OFP_util_CopyFlowItem(const OfpFlowItem *src)
 
 OFP_API uint32_t OFP_util_CopyFRMatch(const OfpFRMatch *src, OfpFRMatch *dst)
 {
-    auto *ipv6 = allocate_zeroed<OfpMatchIpv6>();
+    auto *ipv6 = allocate<OfpMatchIpv6>();
     if (ipv6 == nullptr)
         return OFP_RC_NO_RESOURCE;
-    auto *mask = allocate_zeroed<OfpMatchMask>();
+    auto *mask = allocate<OfpMatchMask>();
     if (mask == nullptr) {
         std::free(ipv6);
         return OFP_RC_NO_RESOURCE;
@@ -131,9 +133,10 @@ OFP_API uint32_t OFP_util_CopyAction(const OfpFlowItem *src, OfpFlowItem *dst)
     dst->actions = nullptr;
     if (src->action_count == 0 || src->actions == nullptr)
         return OFP_RC_OK;
-    auto **copies = allocate_zeroed<OfpAction *>(src->action_count);
+    auto **copies = allocate<OfpAction *>(src->action_count);
     if (copies == nullptr)
         return OFP_RC_FAILED; // callers tell a missing array from a missing action by this code
+    std::fill_n(copies, src->action_count, nullptr);
     for (uint32_t i = 0; i < src->action_count; ++i) {
         const uint32_t result = OFP_util_FillActions(src->actions[i], i, copies);
         if (result != OFP_RC_OK) {

@@ -33,7 +33,7 @@ TEST(Dispatch, RefusesCodesThatNoMessageHas)
     Model model;
     for (const uint32_t code :
          {0u, 13u, 62u, 63u, 64u, 0x10000000u, 0x10000002u, 0x1000002eu, 0x10000040u, 0x30000001u,
-          0x50000002u, 0x5000000cu, 0x60000001u, 0xf0000001u, 0xffffffffu}) {
+          0x50000002u, 0x5000000cu, 0x60000002u, 0xf0000001u, 0xffffffffu}) {
         EXPECT_EQ(ask_one(model, head(code)), result(UNKNOWN_MESSAGE)) << std::hex << code;
     }
     EXPECT_EQ(ask_one(model, result(0)), result(UNKNOWN_MESSAGE)); // a reply is no request
@@ -66,22 +66,16 @@ TEST(Dispatch, AnswersEveryConfigurationMessage)
 
 TEST(Dispatch, SaysOfEveryOtherMessageThatItIsNotSupported)
 {
-    const std::set<uint32_t> supported = {
-        0x50000001, 0x50000003, 0x50000004, 0x50000005, 0x50000006, 0x50000007,
-        0x10000001, 0x10000003, 0x10000009, 0x1000000a, 0x1000000b, 0x1000000c,
-        0x1000000d, 0x1000000e, 0x1000000f, 0x10000013, 0x10000014, 0x10000015,
-        0x10000020, 0x10000025, 0x10000026, 0x10000029, 0x1000002a, 0x1000001d,
-        0x1000001e, 0x1000002d, 0x50000008, 0x50000009, 0x5000000a};
+    const std::set<uint32_t> not_supported = {0x5000000b};
     Model model;
-    size_t others = 0;
 #define OFP_ROW(name, code)                                                                        \
-    if ((static_cast<uint32_t>(code) >> 28) % 4 == 1 && !supported.contains(code)) {               \
-        ++others;                                                                                  \
-        EXPECT_EQ(ask_one(model, head(code)), result(NOT_SUPPORTED)) << #name;                     \
+    if ((static_cast<uint32_t>(code) >> 28) % 4 == 1) {                                            \
+        EXPECT_EQ(ask_one(model, head(code)) == result(NOT_SUPPORTED),                             \
+                  not_supported.contains(code))                                                    \
+            << #name;                                                                              \
     }
     OFP_MESSAGE_CODES(OFP_ROW)
 #undef OFP_ROW
-    EXPECT_GT(others, 0u);
 }
 
 TEST(Dispatch, EveryResultCodeHasItsOwnNumberAndSentence)
@@ -155,6 +149,8 @@ std::vector<Datagram> requests()
               hex("0045 0008 0a000000 00000002")}),
         join({head(0x10000020), hex("0098 0008 0001 0002 0003 0000")}),
         join({head(0x10000013), hex("005f 0004 1001 0000")}),
+        join(
+            {head(0x60000001), hex("6001 0008 1001 01 ff 00000040 6002 0008 8000 00 04 00000001")}),
         join({head(0x10000026), rule, hex("0001 000c 8000 00 04 00000001 00000000")}),
     };
     for (const uint32_t code : {0x10000001u, 0x10000003u}) {
@@ -170,6 +166,29 @@ std::vector<Datagram> requests()
     for (const uint32_t code : {0x10000014u, 0x10000015u}) {
         all.push_back(join({head(code), group}));
     }
+    for (const uint32_t code : {0x10000005u, 0x10000006u, 0x10000007u, 0x10000010u, 0x10000018u}) {
+        all.push_back(join({head(code), instance}));
+    }
+    for (const uint32_t code : {0x10000017u, 0x1000001eu, 0x10000021u, 0x10000022u, 0x10000028u}) {
+        all.push_back(head(code));
+    }
+    for (const uint32_t code : {0x10000004u, 0x1000001fu, 0x10000023u, 0x10000027u}) {
+        all.push_back(join({head(code), hex("0078 0004 1001 40 00")}));
+    }
+    for (const uint32_t code : {0x10000019u, 0x1000001au}) {
+        all.push_back(join({head(code), hex("0073 0008 00000001 1001 0000")}));
+    }
+    for (const uint32_t code : {0x10000011u, 0x10000012u}) {
+        all.push_back(join({head(code), tlv(71, Datagram(96))}));
+    }
+    all.push_back(join({head(0x10000008), hex("0029 0008 00000000 1001 0000")}));
+    all.push_back(join({head(0x10000016), hex("0064 0010 00000009 00000000 1001 ff 0000000000")}));
+    all.push_back(join({head(0x1000001b), hex("0077 000c 00000009 00000000 1001 ff 00")}));
+    all.push_back(join({head(0x1000001c), hex("0088 0004 1001 40 00")}));
+    all.push_back(join({head(0x1000001d), tlv(134, Datagram(24))}));
+    all.push_back(join({head(0x10000024), tlv(200, Datagram(64))}));
+    all.push_back(join({head(0x1000002b), hex("00e1 0010 00000000 00000000 00000000 1001 0000")}));
+    all.push_back(join({head(0x1000002c), hex("00d9 0008 00000001 0000 0000")}));
     return all;
 }
 

@@ -21,7 +21,7 @@ TEST_F(AddTest, KeepsTheRuleAsItWasReceived)
     EXPECT_EQ(view->id, 1U);
     EXPECT_EQ(view->priority, 321);
     EXPECT_EQ(view->cookie, 99U);
-    EXPECT_EQ(view->packets, 0U);
+    EXPECT_EQ(view->counters.packets, 0U);
     EXPECT_EQ(match_of(1), match);
     EXPECT_EQ(instructions_of(1), instructions);
 }

@@ -146,26 +146,26 @@ class InstanceAndTableTest(SandboxTest):
     def test_an_instance_has_its_default_tables(self):
         self.assertEqual(self.run_ok("instance", "add", "5").out, "instance 5 added\n")
         self.assertEqual(self.run_json(0, "instance", "add", "0x6"), {"schema": "ofpctl/1", "instance": 6, "ok": True})
-        document = self.run_json(0, "table", "show", "--instance", "5")
+        document = self.run_json(0, "table", "list", "--instance", "5")
         self.assertEqual([table["table"] for table in document["tables"]], [10, 11, 20, 21, 30])
         self.assertEqual(document["instance"], 5)
 
     def test_table_zero_of_instance_4101(self):
         self.run_ok("instance", "add", "4101")
-        self.assertEqual([table["table"] for table in self.run_json(0, "table", "show", "--instance", "4101")["tables"]],
+        self.assertEqual([table["table"] for table in self.run_json(0, "table", "list", "--instance", "4101")["tables"]],
                          [0])
 
     def test_the_tables_of_a_client(self):
         self.run_ok("flow", "add", "priority=1,in_port=1,actions=drop")
-        lines = self.run_ok("table", "show").out.splitlines()
+        lines = self.run_ok("table", "list").out.splitlines()
         self.assertEqual(lines[0].split(), ["TABLE", "RULES", "MAX", "RULES"])
         self.assertEqual(lines[1].split()[:2], ["200", "1"])
         self.assertEqual(len(lines), 2)
 
     def test_an_instance_that_does_not_exist(self):
-        result = self.run_fails(5, "table", "show", "--instance", "77")
+        result = self.run_fails(5, "table", "list", "--instance", "77")
         self.assertEqual(result.err, "ofpctl: instance 77: the instance does not exist\n")
-        self.assertEqual(self.run_json(5, "table", "show", "--instance", "77")["error"]["name"], "AGENT_NO_INSTANCE")
+        self.assertEqual(self.run_json(5, "table", "list", "--instance", "77")["error"]["name"], "AGENT_NO_INSTANCE")
 
 
 class SmoothTest(SandboxTest):

@@ -40,6 +40,14 @@ class BashTest(SandboxTest):
         self.assertEqual(self.complete("ofpctl flow show --client 409"), {"4096", "4097", "4099"})
         self.assertEqual(self.complete("ofpctl smooth start --mode "), {"0", "1"})
 
+    def test_settings_with_their_values(self):
+        self.assertEqual(self.complete("ofpctl instance set 1 echo-i"), {"echo-interval="})
+        self.assertEqual(self.complete("ofpctl instance set 1 fail"), {"fail-open=secure", "fail-open=standalone"})
+        self.assertEqual(self.complete("ofpctl instance set 1 fail-open =", ), {"secure", "standalone"})
+        self.assertEqual(self.complete("ofpctl instance set 1 fail-open = st"), {"standalone"})
+        self.assertEqual(self.complete("ofpctl vlan set normal"), {"normal-forward-vlans="})
+        self.assertEqual(self.complete("ofpctl instance set 1 --dry"), {"--dry-run"})
+
     def test_files_where_files_are_wanted(self):
         self.sandbox.write("some.flows", "")
         self.assertEqual(self.complete("ofpctl flow load so"), {"some.flows"})

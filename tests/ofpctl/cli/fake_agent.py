@@ -1,9 +1,10 @@
 """An agent that misbehaves as it is told, for what a real one does not do on demand.
 
     fake_agent.py RUNTIME_DIR [--silent] [--hang-up] [--garbage] [--die-after N] [--silent-after N]
-                  [--delay SECONDS] [--refuse N]
+                  [--delay SECONDS] [--refuse N] [--result CODE=RESULT] [--answer CODE=HEX] [--record FILE]
 
 It takes smooth starts, rules and queries; N counts datagrams of rules, --refuse every Nth rule.
+--result answers a message with a result code, --answer with bytes, --record keeps what came.
 """
 import argparse
 import fcntl
@@ -33,9 +34,15 @@ def openflow(kind, xid, body=b""):
     return struct.pack(">BBHI", 4, kind, 8 + len(body), xid) + body
 
 
+def pair(text):
+    return text.partition("=")
+
+
 class FakeAgent:
     def __init__(self, options):
         self.options = options
+        self.results = {int(code, 0): int(result, 0) for code, _, result in map(pair, options.result)}
+        self.answers = {int(code, 0): bytes.fromhex(answer) for code, _, answer in map(pair, options.answer)}
         self.batches = 0
         self.rules = 0
         self.lock = open(os.path.join(options.runtime, "agent.lock"), "w")
@@ -75,6 +82,9 @@ class FakeAgent:
 
     def answer(self, channel, request):
         code = struct.unpack_from(">I", request, 4)[0]
+        if self.options.record:
+            with open(self.options.record, "a", encoding="ascii") as record:
+                record.write(request.hex() + "\n")
         if self.options.silent:
             return
         if self.options.garbage:
@@ -83,8 +93,10 @@ class FakeAgent:
             channel.send(openflow(BARRIER_REPLY, 0))
         elif code == FLOW_RULE:
             self.answer_rules(channel, request)
+        elif code in self.answers:
+            channel.send(self.answers[code])
         else:
-            channel.send(tlv(1, struct.pack(">I", RESULT)) + tlv(2, struct.pack(">I", 0)))
+            channel.send(tlv(1, struct.pack(">I", RESULT)) + tlv(2, struct.pack(">I", self.results.get(code, 0))))
 
     def answer_rules(self, channel, request):
         options = self.options
@@ -116,6 +128,9 @@ def main():
     parser.add_argument("--silent-after", type=int)
     parser.add_argument("--delay", type=float, default=0)
     parser.add_argument("--refuse", type=int, default=0)
+    parser.add_argument("--result", action="append", default=[])
+    parser.add_argument("--answer", action="append", default=[])
+    parser.add_argument("--record")
     FakeAgent(parser.parse_args()).run()
 
 

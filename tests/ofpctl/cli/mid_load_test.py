@@ -166,7 +166,7 @@ class MisbehavingAgentTest(SandboxTest):
 
     COMMANDS = (["flow", "add", "priority=1,in_port=1,actions=drop"], ["flow", "del", "priority=1"],
                 ["flow", "show"], ["flow", "count"], ["group", "add", "group_id=1,type=all,bucket=output:1"],
-                ["group", "del", "1"], ["table", "show"], ["instance", "add", "1"], ["smooth", "start"])
+                ["group", "del", "1"], ["table", "list"], ["instance", "add", "1"], ["smooth", "start"])
 
     def test_silence_is_no_reply(self):
         self.sandbox.start_fake("--silent")

@@ -90,8 +90,7 @@ class NonsenseTest(SandboxTest):
 
     def test_words_cannot_write_to_the_terminal(self):
         result = self.sandbox.run("\033[2Jflow\n\r", "show")
-        self.assertEqual(result.err, "ofpctl: ?[2Jflow??: no such object; one of agent, instance, smooth, flow, "
-                                     "group, table, app, event, completion\n")
+        self.assertRegex(result.err, r"^ofpctl: \?\[2Jflow\?\?: no such object; one of agent, [a-z, ]*\n$")
 
     def test_no_words_at_all_not_even_the_name(self):
         # An empty argv has no room for the program's name.

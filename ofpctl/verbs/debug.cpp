@@ -1,0 +1,99 @@
+#include <fmt/format.h>
+
+#include "frame/agent_link.h"
+#include "frame/context.h"
+#include "ofp.h"
+#include "option/assignment.h"
+#include "option/record_option.h"
+#include "verbs/change.h"
+#include "verbs/nouns.h"
+#include "verbs/watch.h"
+#include "wire/record_text.h"
+
+namespace ofpctl {
+
+namespace {
+
+OfpGlbDebug debug_record(const Context &context)
+{
+    OfpGlbDebug record{};
+    for (const Assignment &assignment :
+         parse_assignments(context.arguments.operands(), debug_settings()))
+        option_of(debug_options(), *assignment.row).put(record, assignment.value);
+    return record;
+}
+
+void set_debug(Context &context)
+{
+    const OfpGlbDebug record = debug_record(context);
+    if (act(context, "debugging switches", [&] { return OFP_set_GlbDebug(&record); }) &&
+        !context.out.json())
+        context.out.line("debugging switches set");
+}
+
+void print_debug(Context &context)
+{
+    const Words &operands = context.arguments.operands();
+    OfpGlbDebug record{};
+    record.value_u16_0 = static_cast<uint16_t>(require_number("KEY0", operands[0], 0, UINT16_MAX));
+    record.value_u16_2 = static_cast<uint16_t>(require_number("KEY2", operands[1], 0, UINT16_MAX));
+    require_agent();
+    uint64_t packets[2] = {};
+    uint16_t value = 0;
+    require_success(OFP_get_GlbDbgInfo(&record), "debugging switches");
+    require_success(OFP_get_GlbDbgInfoPkt(record.value_u16_0, record.value_u16_2, packets, &value),
+                    "debugging counters");
+    if (!context.out.json()) {
+        context.out.write(record_lines(OFP_TLV_GlbDebug, &record, 0));
+        context.out.line(fmt::format("{:<20} {} {}", "packets", packets[0], packets[1]));
+        return;
+    }
+    JsonWriter &json = context.out.document();
+    json.begin_object("switches");
+    write_record(json, OFP_TLV_GlbDebug, &record);
+    json.end();
+    json.begin_array("packets");
+    json.wide({}, packets[0]);
+    json.wide({}, packets[1]);
+    json.end();
+    json.number("value", value);
+}
+
+void show_debug(Context &context) { watch(context, print_debug); }
+
+constexpr OptionRow show_options[] = {watch_option, rounds_option};
+
+constexpr Example show_examples[] = {
+    {"ofpctl debug show 1 0", "The switches of key 1, 0 and what debugging counted"},
+};
+
+constexpr OptionRow set_options[] = {dry_run_option};
+
+constexpr Example set_examples[] = {
+    {"ofpctl debug set key0=1 u32-8=0x3", "Two switches of key 1, 0; its others are cleared"},
+};
+
+constexpr Verb rows[] = {
+    {.name = "set",
+     .run = set_debug,
+     .help = "Sets debugging switches.",
+     .details = "They are one record, sent as a whole: what is not named is zero. The first two "
+                "numbers are its key; the others go by width and place in the record, because "
+                "their meaning is the agent's.",
+     .operands = {"NAME=VALUE...", Kind::text, 1, any_number},
+     .options = set_options,
+     .examples = set_examples,
+     .settings = debug_settings},
+    {.name = "show",
+     .run = show_debug,
+     .help = "Shows the debugging switches of a key and what debugging counted.",
+     .operands = {"KEY0 KEY2", Kind::number, 2, 2, 0, UINT16_MAX},
+     .options = show_options,
+     .examples = show_examples},
+};
+
+} // namespace
+
+const std::span<const Verb> debug_verbs = rows;
+
+} // namespace ofpctl
