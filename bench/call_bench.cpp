@@ -1,5 +1,6 @@
 // How long a query and a setting take, as a multiple of the bare exchange of datagrams of the same
 // sizes with the same peer. Client and peer share a core when the whole is started on one.
+#include <functional>
 #include <memory>
 
 #include <benchmark/benchmark.h>
@@ -47,6 +48,20 @@ void set_echo_time(benchmark::State &state)
     repeat(state, [] { return OFP_set_EchoTime(&echo_time); });
 }
 
+// Each call changes the value.
+void change_echo_time(benchmark::State &state, const bench::Agent &agent,
+                      const bench::EchoPeer &after)
+{
+    agent.use();
+    bench::check(OFP_AddInstance(instance) == 0, "an instance");
+    OfpEchoTime time = echo_time;
+    repeat(state, [&] {
+        time.interval = 5 + (time.interval & 1);
+        return OFP_set_EchoTime(&time);
+    });
+    after.use();
+}
+
 void status(benchmark::State &state)
 {
     repeat(state, [] { return OFP_util_IsDaemonStart() == 1 ? 0 : 1; });
@@ -62,6 +77,8 @@ void add(const char *name, Arguments... arguments)
 
 int main(int argc, char **argv)
 {
+    const bench::Agent forgetful(bench::Agent::Store::memory);
+    const bench::Agent durable;
     const bench::EchoPeer peer;
     peer.use();
     add("OFP_get_NextRuleID", next_rule);
@@ -74,6 +91,8 @@ int main(int argc, char **argv)
     add("bare/OFP_set_EchoTime", bare,
         bench::request(OFP_MSG_SET_ECHO_TIME, OFP_TLV_EchoTime, echo_time));
     add("status", status);
+    add("memory/OFP_set_EchoTime", change_echo_time, std::cref(forgetful), std::cref(peer));
+    add("file/OFP_set_EchoTime", change_echo_time, std::cref(durable), std::cref(peer));
 
     using enum bench::Sense;
     return bench::run(argc, argv,
@@ -101,6 +120,15 @@ int main(int argc, char **argv)
                         0.10},
                        {"OFP_set_EchoTime as a whole, to a bare exchange",
                         {"OFP_set_EchoTime"},
+                        {"bare/OFP_set_EchoTime"},
+                        reported},
+                       {"OFP_set_EchoTime with an agent that stores in memory, to a bare exchange",
+                        {"memory/OFP_set_EchoTime"},
+                        {"bare/OFP_set_EchoTime"},
+                        at_most,
+                        1.3},
+                       {"OFP_set_EchoTime with an agent that stores in a file, to a bare exchange",
+                        {"file/OFP_set_EchoTime"},
                         {"bare/OFP_set_EchoTime"},
                         reported}});
 }

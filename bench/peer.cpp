@@ -143,11 +143,15 @@ EchoPeer::~EchoPeer()
 
 // ---- The agent
 
-Agent::Agent()
+Agent::Agent(Store store)
 {
     use();
-    check(OFP_util_StartDaemon() == 0, "the agent");
+    const std::filesystem::path program =
+        std::filesystem::read_symlink("/proc/self/exe").replace_filename("ofp-agent");
+    const std::string options = store == Store::memory ? " --store :memory:" : "";
+    check(std::system((program.string() + options).c_str()) == 0, "the agent");
     process_ = HOST_GetAgentPid(0);
+    check(process_ > 0, "the agent's process");
 }
 
 Agent::~Agent()

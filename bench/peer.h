@@ -51,10 +51,13 @@ private:
     pid_t process_ = -1;
 };
 
-// A real agent, stopped at the end.
+// A real agent, stopped at the end. What is configured it keeps in its runtime directory, or in
+// memory.
 class Agent {
 public:
-    Agent();
+    enum class Store { file, memory };
+
+    explicit Agent(Store store = Store::file);
     ~Agent();
     Agent(const Agent &) = delete;
     Agent &operator=(const Agent &) = delete;

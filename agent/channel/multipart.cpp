@@ -82,11 +82,13 @@ void list_tables(PagedReply &reply, uint16_t instance, const Model &model)
         return;
     }
     for (const OfpFlowTable &table : config->tables) {
+        const TableView view = model.flow_switch().table(instance, table.table_id);
         reply.entry(24)
             .be(table.table_id)
             .zeros(3)
-            .be(model.flow_switch().table(instance, table.table_id).rules)
-            .zeros(16); // packets looked up and matched: none pass
+            .be(view.rules)
+            .be(view.lookups)
+            .be(view.matched);
     }
 }
 

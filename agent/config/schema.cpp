@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <concepts>
 #include <cstdio>
 #include <string_view>
 #include <tuple>
@@ -189,6 +190,30 @@ bool read_name(std::string_view name, DebugKey &key)
 
 // ---- Writing
 
+bool is_same(const OfpFlowTable &a, const OfpFlowTable &b)
+{
+    return a.table_id == b.table_id && a.kind == b.kind;
+}
+
+template <class T>
+bool is_same(const T &a, const T &b)
+{
+    if constexpr (std::equality_comparable<T>) {
+        return a == b;
+    } else {
+        bool same = true;
+        each_field<T>(
+            [&](const auto &field) { same = same && is_same(a.*field.member, b.*field.member); });
+        return same;
+    }
+}
+
+bool is_same(const std::vector<OfpFlowTable> &a, const std::vector<OfpFlowTable> &b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const auto &one, const auto &other) { return is_same(one, other); });
+}
+
 // Walks two states of the configuration; what a null state would hold is written in any case.
 class Changes {
 public:
@@ -198,8 +223,11 @@ public:
     void write(const T *before, const T &after)
     {
         each_field<T>([&](const auto &field) {
-            below(field.name,
-                  [&] { write(before ? &(before->*field.member) : nullptr, after.*field.member); });
+            const auto *const old = before ? &(before->*field.member) : nullptr;
+            const auto &now = after.*field.member;
+            if (!old || !is_same(*old, now)) {
+                below(field.name, [&] { write(old, now); });
+            }
         });
     }
 

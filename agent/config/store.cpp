@@ -59,8 +59,8 @@ bool bind(sqlite3_stmt *statement, int at, const StoredValue &value)
         return bind_text(statement, at, *text);
     }
     const auto &bytes = std::get<StoredBytes>(value);
-    return sqlite3_bind_blob64(statement, at, bytes.data(), bytes.size(), SQLITE_STATIC) ==
-           SQLITE_OK;
+    const void *const data = bytes.empty() ? "" : static_cast<const void *>(bytes.data());
+    return sqlite3_bind_blob64(statement, at, data, bytes.size(), SQLITE_STATIC) == SQLITE_OK;
 }
 
 StoredValue column(sqlite3_stmt *statement, int at)
@@ -99,6 +99,7 @@ private:
     std::string lock();
     std::string check();
     bool make();
+    bool write(const StoredRow &row);
     bool put(const StoredRow &row);
     bool remove(const std::string &key);
     std::string failure(const char *what) const
@@ -263,6 +264,11 @@ bool SqliteStore::remove(const std::string &key)
     return bind_text(statement.get(), 1, name) && run.done();
 }
 
+bool SqliteStore::write(const StoredRow &row)
+{
+    return std::holds_alternative<std::monostate>(row.value) ? remove(row.key) : put(row);
+}
+
 // Ends with its scope, undone unless it was committed.
 struct SqliteStore::Transaction {
     explicit Transaction(SqliteStore &store) : store_(store) {}
@@ -284,13 +290,15 @@ private:
 
 std::string SqliteStore::write(std::span<const StoredRow> rows)
 {
+    if (rows.size() == 1) { // a transaction of its own
+        return write(rows.front()) ? std::string() : failure("it cannot be written");
+    }
     Transaction transaction(*this);
     if (!transaction.begin()) {
         return failure("no transaction can begin");
     }
     for (const StoredRow &row : rows) {
-        const bool removed = std::holds_alternative<std::monostate>(row.value);
-        if (!(removed ? remove(row.key) : put(row))) {
+        if (!write(row)) {
             return failure("it cannot be written");
         }
     }

@@ -1,4 +1,4 @@
-// Debugging switches and counters, ACL resources, servers of open applications.
+// Debugging switches and counters, ACL resources.
 #include "daemon/handler.h"
 #include "daemon/records.h"
 #include "daemon/reply_codes.h"
@@ -53,7 +53,5 @@ uint32_t acl_tables(const Request &request, Reply &reply, Model &model)
                  OfpGetAclTableNum{.count = model.start.acl_tables});
     return 0;
 }
-
-// No open application connects to this agent.
 
 } // namespace agent

@@ -22,8 +22,7 @@ struct Outcome {
 Outcome answer(Bytes datagram, Outbox &out, Model &model, Sender sender = {}) noexcept;
 
 // The same with the commit.
-Outcome answer_and_commit(Bytes datagram, Outbox &out, Model &model,
-                          Sender sender = {}) noexcept;
+Outcome answer_and_commit(Bytes datagram, Outbox &out, Model &model, Sender sender = {}) noexcept;
 
 // Refuses whatever the datagram holds.
 Outcome refuse(Bytes datagram, uint32_t code, Outbox &out, Model &model) noexcept;

@@ -119,6 +119,7 @@ int start(int argc, char **argv)
 int main(int argc, char **argv)
 {
     std::signal(SIGPIPE, SIG_IGN); // who waited for word may be gone
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error of its writer
     try {
         return start(argc, argv);
     } catch (const std::exception &failure) {

@@ -33,64 +33,18 @@ size_t client_index(uint16_t client) { return size_t{client} - FIRST_CLIENT; }
 // Deletes all rules of a client's table.
 void empty_table(Switch &flow_switch, uint16_t client, uint8_t table)
 {
-    const uint8_t message[] = {
-        openflow::OFP_VERSION,
-        openflow::OFPT_FLOW_MOD,
-        0,
-        56,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0, // cookie
-        0,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0, // of any cookie
-        table,
-        openflow::OFPFC_DELETE,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0,
-        0xff,
-        0xff,
-        0xff,
-        0xff, // no buffer
-        0xff,
-        0xff,
-        0xff,
-        0xff, // whatever its port
-        0xff,
-        0xff,
-        0xff,
-        0xff, // and its group
-        0,
-        0,
-        0,
-        0,
-        0,
-        openflow::OFPMT_OXM,
-        0,
-        4,
-        0,
-        0,
-        0,
-        0, // every match
-    };
+    constexpr size_t TABLE = 24; // places in an ofp_flow_mod
+    constexpr size_t COMMAND = 25;
+    constexpr size_t BUFFER = 32; // buffer, port and group: none
+    constexpr size_t FLAGS = 44;
+    constexpr size_t MATCH = 48;
+    constexpr size_t SIZE = 56;
+    uint8_t message[SIZE] = {openflow::OFP_VERSION, openflow::OFPT_FLOW_MOD, 0, SIZE};
+    message[TABLE] = table;
+    message[COMMAND] = openflow::OFPFC_DELETE;
+    std::fill(message + BUFFER, message + FLAGS, uint8_t{0xff});
+    openflow::store<uint16_t>(message + MATCH, openflow::OFPMT_OXM);
+    openflow::store<uint16_t>(message + MATCH + 2, 4);
     flow_switch.flow_mod(client, message);
 }
 

@@ -61,9 +61,9 @@ public:
     const Switch &flow_switch() const { return flow_switch_; }
 
     Counters counters;
+    StartOptions start;
     Applications applications;
     ControllerStates controllers; // kept by whoever holds the connections
-    StartOptions start;
 
 private:
     void instance_changed(uint16_t id, const InstanceConfig *before,

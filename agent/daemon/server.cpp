@@ -19,7 +19,6 @@ namespace agent {
 namespace {
 
 constexpr size_t DATAGRAM_MAX = 65535;
-constexpr int ACCEPTS_PER_TURN = 64;
 constexpr int DATAGRAMS_PER_TURN = 32;
 constexpr size_t SENDS_PER_CALL = 32;
 
@@ -120,28 +119,24 @@ bool Server::start()
 
 // ---- Connections
 
-void Server::on_listener(int, short, void *server) { static_cast<Server *>(server)->accept_all(); }
+void Server::on_listener(int, short, void *server) { static_cast<Server *>(server)->accept_one(); }
 
 void Server::on_retry(int, short, void *server)
 {
     static_cast<Server *>(server)->resume_accepting();
 }
 
-void Server::accept_all()
+// One at a time: to be told that there is no other costs as much as accepting one.
+void Server::accept_one()
 {
-    for (int turn = 0; turn < ACCEPTS_PER_TURN; ++turn) {
-        const int fd = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-        if (fd >= 0) {
-            Connection *const connection = open(fd);
-            if (connection) {
-                tend(*connection, EV_READ); // most clients have sent their request by now
-            }
-        } else if (errno == EAGAIN) {
-            return;
-        } else if (errno != EINTR && errno != ECONNABORTED) {
-            pause_accepting(errno);
-            return;
+    const int fd = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (fd >= 0) {
+        Connection *const connection = open(fd);
+        if (connection) {
+            tend(*connection, EV_READ); // most clients have sent their request by now
         }
+    } else if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) {
+        pause_accepting(errno);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "option/instance_file.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include <fmt/format.h>
@@ -210,6 +211,11 @@ private:
     const SettingRows also_{&other_rows_[0], &other_rows_[1], &other_rows_[2], &other_rows_[3]};
 };
 
+std::ptrdiff_t rank(const SettingRow &row)
+{
+    return &option_of(instance_options(), row) - instance_options().data();
+}
+
 } // namespace
 
 std::variant<InstancePlan, std::vector<FileError>> read_instance_plan(std::string_view text)
@@ -219,8 +225,13 @@ std::variant<InstancePlan, std::vector<FileError>> read_instance_plan(std::strin
         return std::vector<FileError>{{error->line, error->column, std::move(error->what)}};
     Reader reader;
     reader.read(std::get<DocumentNode>(document));
-    if (reader.errors.empty())
+    if (reader.errors.empty()) {
+        // In the order of the table: what resets another option comes before it.
+        std::stable_sort(
+            reader.plan.options.begin(), reader.plan.options.end(),
+            [](const Assignment &a, const Assignment &b) { return rank(*a.row) < rank(*b.row); });
         return std::move(reader.plan);
+    }
     std::stable_sort(reader.errors.begin(), reader.errors.end(),
                      [](const FileError &a, const FileError &b) {
                          return std::pair(a.line, a.column) < std::pair(b.line, b.column);

@@ -4,6 +4,7 @@
 #include <string>
 #include <type_traits>
 
+#include "frame/rehearsal.h"
 #include "ofp.h"
 
 namespace ofpctl {
@@ -95,6 +96,15 @@ uint32_t set_vlan(uint16_t instance, const Value &value)
     return OFP_set_VlanList(&filter, vlan.loose ? 1 : 0);
 }
 
+// The request would make an instance that does not exist.
+uint32_t set_extension(uint16_t instance, const Value &value)
+{
+    constexpr uint16_t configure = 1;
+    if (!rehearsing())
+        require_instance(instance);
+    return OFP_set_Instance(configure, instance, static_cast<uint32_t>(number(value)));
+}
+
 uint32_t set_management_vlans(uint16_t instance, const Value &value)
 {
     const OfpVlanRangeList list = vlan_range_list(std::get<VlanSet>(value), instance);
@@ -172,6 +182,16 @@ Value vlan_of(const Block &block)
 
 Value configured_vlan(const InstanceRecord &record) { return vlan_of(record.configured()); }
 Value running_vlan(const InstanceRecord &record) { return vlan_of(record.running()); }
+
+Value configured_extension(const InstanceRecord &record)
+{
+    return uint64_t{record.configured().filter.ext};
+}
+
+Value running_extension(const InstanceRecord &record)
+{
+    return uint64_t{record.running().filter.ext};
+}
 
 Value configured_vlans(const InstanceRecord &record) { return record.configured_vlans(); }
 Value running_vlans(const InstanceRecord &record) { return record.running_vlans(); }
@@ -257,6 +277,11 @@ constexpr InstanceOption options[] = {
      configured_vlan,
      running_vlan,
      true},
+    {{"extension", ValueForm::hex, "VALUE", "extension word of its filter; vlan makes it 0", 0,
+      UINT32_MAX},
+     set_extension,
+     configured_extension,
+     running_extension},
     {{"management-vlans", ValueForm::vlans, "VLANS", "in-band management VLANs, 1-10,20 or none"},
      set_management_vlans,
      configured_vlans,

@@ -21,7 +21,9 @@ std::vector<OfpVerbIfRep> interfaces_of(const OfpLink &head)
 
 } // namespace
 
-InstanceRecord::InstanceRecord()
+InstanceRecord::InstanceRecord() { begin(); }
+
+void InstanceRecord::begin()
 {
     OFP_get_InitVerbose(&verbose_);
     verbose_.configured.vlans = configured_vlans_.bitmap();
@@ -33,6 +35,9 @@ InstanceRecord::~InstanceRecord() { OFP_get_FiniVerbose(&verbose_); }
 void InstanceRecord::read(uint16_t instance)
 {
     require_instance(instance);
+    // The query adds to the lists that it finds.
+    OFP_get_FiniVerbose(&verbose_);
+    begin();
     require_success(OFP_get_Verbose(instance, &verbose_), fmt::format("instance {}", instance));
 }
 

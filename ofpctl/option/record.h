@@ -19,7 +19,7 @@ public:
     InstanceRecord(const InstanceRecord &) = delete;
     InstanceRecord &operator=(const InstanceRecord &) = delete;
 
-    // Throws a Failure.
+    // What was read before is forgotten. Throws a Failure.
     void read(uint16_t instance);
 
     const OfpVerboseConfigured &configured() const { return verbose_.configured; }
@@ -34,6 +34,8 @@ public:
     std::vector<OfpVerbIfRep> running_interfaces() const;
 
 private:
+    void begin();
+
     OfpVerbose verbose_;
     VlanMap configured_vlans_;
     VlanMap running_vlans_;

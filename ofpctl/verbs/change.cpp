@@ -107,7 +107,10 @@ Report compared(const Change &change, Report report)
 {
     if (report.outcome != Outcome::done)
         return report;
-    if (change.read) {
+    if (change.holds) {
+        report.outcome = change.holds() ? Outcome::verified : Outcome::differs;
+        report.found = "otherwise";
+    } else if (change.read) {
         const Value found = change.read();
         report.outcome = found == change.value ? Outcome::verified : Outcome::differs;
         report.found = format_value(*change.row, found);
@@ -119,8 +122,9 @@ Report compared(const Change &change, Report report)
 
 void compare_all(const Changes &changes, std::vector<Report> &reports)
 {
-    const bool readable = std::any_of(changes.all.begin(), changes.all.end(),
-                                      [](const Change &change) { return bool(change.read); });
+    const bool readable =
+        std::any_of(changes.all.begin(), changes.all.end(),
+                    [](const Change &change) { return change.read || change.holds; });
     if (readable)
         changes.refresh();
     for (std::size_t i = 0; i < reports.size(); i++)
@@ -270,16 +274,25 @@ void perform(Context &context, const Changes &changes)
     require_verified(reports);
 }
 
-bool act(Context &context, const std::string &doing, const std::function<uint32_t()> &send)
+bool act(Context &context, const Action &action)
 {
     if (is_given(context, "dry-run")) {
-        const Change change{.what = doing, .value = {}, .send = send, .read = {}};
+        const Change change{.what = action.doing, .value = {}, .send = action.send};
         rehearse(context.out, {&change});
         return false;
     }
     require_agent();
-    require_success(send(), doing);
+    require_success(action.send(), action.doing);
+    if (is_given(context, "verify") && !action.holds())
+        throw Failure{.message =
+                          fmt::format("{}: the agent did not refuse, but does not report it done",
+                                      action.doing)};
     return true;
+}
+
+std::string_view verified(const Context &context)
+{
+    return is_given(context, "verify") ? " (verified)" : "";
 }
 
 } // namespace ofpctl

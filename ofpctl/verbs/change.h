@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "frame/context.h"
@@ -20,6 +21,7 @@ struct Change {
     Value value;
     std::function<uint32_t()> send;
     std::function<Value()> read; // null: the agent does not report it
+    std::function<bool()> holds; // of an action: whether the agent reports it done; or null
 };
 
 struct Changes {
@@ -36,8 +38,19 @@ std::string change_text(const std::string &target, const SettingRow &row, const 
 // much of it was done.
 void perform(Context &context, const Changes &changes);
 
-// Sends one action, which the verb's options may have asked to be shown only. False when it was.
-bool act(Context &context, const std::string &doing, const std::function<uint32_t()> &send);
+// One action. holds asks the agent whether it is done, for --verify; null where it does not report
+// that.
+struct Action {
+    std::string doing; // begins the message of a failure
+    std::function<uint32_t()> send;
+    std::function<bool()> holds;
+};
+
+// Sends it, or shows it with --dry-run and returns false.
+bool act(Context &context, const Action &action);
+
+// " (verified)" when --verify was given.
+std::string_view verified(const Context &context);
 
 constexpr OptionRow verify_option{
     .name = "verify",

@@ -85,7 +85,7 @@ void require_address(std::span<const Assignment> settings)
 void report(Context &context, const Key &key, std::string_view done)
 {
     if (!context.out.json()) {
-        context.out.line(fmt::format("{} {}", name_of(key), done));
+        context.out.line(fmt::format("{} {}{}", name_of(key), done, verified(context)));
         return;
     }
     context.out.document().number("instance", key.instance);
@@ -100,15 +100,48 @@ void set_controller(Context &context)
     const std::vector<Assignment> settings = assignments_of(context, key);
     if (!key.auxiliary)
         require_address(settings);
-    if (act(context, name_of(key), [&] { return send(key, settings, operation_set); }))
+    const auto holds = [&] {
+        return key.auxiliary ? reports(auxiliary_record(key, settings))
+                             : reports(controller_record(key.instance, key.controller, settings));
+    };
+    if (act(context, {.doing = name_of(key),
+                      .send = [&] { return send(key, settings, operation_set); },
+                      .holds = holds}))
         report(context, key, "set");
 }
 
 void delete_controller(Context &context)
 {
     const Key key = key_of(context);
-    if (act(context, name_of(key), [&] { return send(key, {}, operation_remove); }))
+    const auto holds = [&] {
+        return key.auxiliary ? !has_auxiliary(key.instance, key.controller, *key.auxiliary)
+                             : !has_controller(key.instance, key.controller);
+    };
+    if (act(context, {.doing = name_of(key),
+                      .send = [&] { return send(key, {}, operation_remove); },
+                      .holds = holds}))
         report(context, key, "deleted");
+}
+
+void reset_counters(Context &context)
+{
+    const Words &operands = context.arguments.operands();
+    const auto instance =
+        static_cast<uint16_t>(require_number("INSTANCE", operands[0], 1, UINT16_MAX));
+    const bool all = operands[1] == "all";
+    const auto controller = static_cast<uint8_t>(
+        all ? OFP_ALL_CONTROLLERS : require_number("CONTROLLER", operands[1], 0, last_controller));
+    const Key key{instance, controller, std::nullopt};
+    const std::string name =
+        all ? fmt::format("controllers of instance {}", instance) : name_of(key);
+    if (!act(context, {.doing = name,
+                       .send = [=] { return OFP_set_ResetCtrlStat(instance, controller); },
+                       .holds = {}}))
+        return;
+    if (context.out.json())
+        context.out.document().number("instance", instance);
+    else
+        context.out.line(fmt::format("{}: counters reset", name));
 }
 
 constexpr OptionRow options[] = {
@@ -119,7 +152,9 @@ constexpr OptionRow options[] = {
      .least = 1,
      .most = 255},
     dry_run_option,
+    verify_option,
 };
+constexpr OptionRow reset_options[] = {dry_run_option};
 
 constexpr OptionRow show_options[] = {watch_option, rounds_option};
 
@@ -134,6 +169,9 @@ constexpr Example set_examples[] = {
      "Controller 0 of instance 1"},
     {"ofpctl controller set --aux 1 1 0 address=192.0.2.1 port=6654",
      "An auxiliary connection to it"},
+};
+constexpr Example reset_examples[] = {
+    {"ofpctl controller reset 1 all", "The counters of all controllers of instance 1 begin at 0"},
 };
 constexpr Example delete_examples[] = {
     {"ofpctl controller del --aux 1 1 0", "Removes its auxiliary connection"},
@@ -166,6 +204,13 @@ constexpr Verb rows[] = {
      .operands = {"INSTANCE CONTROLLER", Kind::text, 2, 2},
      .options = show_options,
      .examples = show_examples},
+    {.name = "reset",
+     .run = reset_counters,
+     .help = "Sets the counters of a controller, or of all of an instance, back to zero.",
+     .details = "The agent does not answer this request: what is told is that it was sent.",
+     .operands = {"INSTANCE CONTROLLER|all", Kind::text, 2, 2},
+     .options = reset_options,
+     .examples = reset_examples},
     {.name = "del",
      .run = delete_controller,
      .help = "Deletes a controller of an instance, or an auxiliary connection to it.",

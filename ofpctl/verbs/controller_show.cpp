@@ -1,4 +1,5 @@
 // controller list and show: what the agent has and how the connections stand.
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -214,6 +215,45 @@ void print_controller(Context &context)
 }
 
 } // namespace
+
+bool has_controller(uint16_t instance, uint8_t controller)
+{
+    Datagram buffer(OFP_LARGE_DATAGRAM_SIZE);
+    uint64_t length = 0;
+    const uint32_t code =
+        OFP_get_CtrlInfo(instance, controller, buffer.size(), buffer.data(), &length);
+    if (code != agent::NO_CONTROLLER)
+        require_success(code, name_of(instance, controller));
+    return code == 0;
+}
+
+bool has_auxiliary(uint16_t instance, uint8_t controller, uint8_t auxiliary)
+{
+    const Details details = read_details(instance, controller);
+    return std::any_of(details.auxiliaries.begin(), details.auxiliaries.end(),
+                       [=](const OfpAuxCfg &row) { return row.aux_id == auxiliary; });
+}
+
+bool reports(const OfpCtrlCfg &controller)
+{
+    bool same = false;
+    each_tlv(ask(OFP_get_CtrlCfgInfo, controller.instance_id, controller.controller_id),
+             [&](const ReplyTlv &tlv) {
+                 if (tlv.type == OFP_TLV_CtrlCfg) {
+                     const auto kept = tlv.record<OfpCtrlCfg>();
+                     same = std::memcmp(&kept, &controller, sizeof kept) == 0;
+                 }
+             });
+    return same;
+}
+
+bool reports(const OfpAuxCfg &auxiliary)
+{
+    const Details details = read_details(auxiliary.instance_id, auxiliary.controller_id);
+    return std::any_of(
+        details.auxiliaries.begin(), details.auxiliaries.end(),
+        [&](const OfpAuxCfg &row) { return std::memcmp(&row, &auxiliary, sizeof row) == 0; });
+}
 
 void list_controllers(Context &context) { watch(context, print_controllers); }
 void show_controller(Context &context) { watch(context, print_controller); }

@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include <fmt/format.h>
 
 #include "frame/agent_link.h"
@@ -23,12 +25,21 @@ OfpGlbDebug debug_record(const Context &context)
     return record;
 }
 
+bool reports(const OfpGlbDebug &switches)
+{
+    OfpGlbDebug found = switches; // the key, and then what the agent has
+    require_success(OFP_get_GlbDbgInfo(&found), "debugging switches");
+    return std::memcmp(&found, &switches, sizeof found) == 0;
+}
+
 void set_debug(Context &context)
 {
     const OfpGlbDebug record = debug_record(context);
-    if (act(context, "debugging switches", [&] { return OFP_set_GlbDebug(&record); }) &&
-        !context.out.json())
-        context.out.line("debugging switches set");
+    const bool sent = act(context, {.doing = "debugging switches",
+                                    .send = [&] { return OFP_set_GlbDebug(&record); },
+                                    .holds = [&] { return reports(record); }});
+    if (sent && !context.out.json())
+        context.out.line(fmt::format("debugging switches set{}", verified(context)));
 }
 
 void print_debug(Context &context)
@@ -67,7 +78,7 @@ constexpr Example show_examples[] = {
     {"ofpctl debug show 1 0", "The switches of key 1, 0 and what debugging counted"},
 };
 
-constexpr OptionRow set_options[] = {dry_run_option};
+constexpr OptionRow set_options[] = {dry_run_option, verify_option};
 
 constexpr Example set_examples[] = {
     {"ofpctl debug set key0=1 u32-8=0x3", "Two switches of key 1, 0; its others are cleared"},

@@ -38,46 +38,62 @@ Change instance_change(uint16_t id, const InstanceOption &option, const Value &v
 
 namespace {
 
-void print_done(Output &out, uint16_t id, std::string_view done)
+void print_done(Context &context, uint16_t id, std::string_view done)
 {
-    if (out.json())
-        out.document().number("instance", id);
+    if (context.out.json())
+        context.out.document().number("instance", id);
     else
-        out.line(fmt::format("instance {} {}", id, done));
+        context.out.line(fmt::format("instance {} {}{}", id, done, verified(context)));
 }
 
-template <class Send>
-void change_instance(Context &context, std::string_view done, Send send)
+// send and holds take the id.
+template <class Send, class Holds>
+void change_instance(Context &context, std::string_view done, Send send, Holds holds)
 {
     const uint16_t id = instance_operand(context);
-    if (act(context, instance_name(id), [=] { return send(id); }))
-        print_done(context.out, id, done);
+    if (act(context, {.doing = instance_name(id),
+                      .send = [=] { return send(id); },
+                      .holds = [=] { return holds(id); }}))
+        print_done(context, id, done);
+}
+
+bool exists(uint16_t id) { return OFP_get_IsInstanceExist(id) == 1; }
+
+bool reads_active(uint16_t id)
+{
+    uint32_t active = 0;
+    require_success(OFP_get_InstActive(id, &active), instance_name(id));
+    return (active & UINT16_MAX) == 1;
 }
 
 void add_instance(Context &context)
 {
-    change_instance(context, "added", [](uint16_t id) { return OFP_AddInstance(id); });
+    change_instance(
+        context, "added", [](uint16_t id) { return OFP_AddInstance(id); }, exists);
 }
 
 void delete_instance(Context &context)
 {
     constexpr uint16_t remove = 0;
-    change_instance(context, "deleted",
-                    [](uint16_t id) { return OFP_set_Instance(remove, id, 0); });
+    change_instance(
+        context, "deleted", [](uint16_t id) { return OFP_set_Instance(remove, id, 0); },
+        [](uint16_t id) { return !exists(id); });
 }
 
 void activate_instance(Context &context)
 {
     constexpr uint16_t activate = 1;
-    change_instance(context, "activated",
-                    [](uint16_t id) { return OFP_set_ActiveInst(id, activate); });
+    change_instance(
+        context, "activated", [](uint16_t id) { return OFP_set_ActiveInst(id, activate); },
+        reads_active);
 }
 
 void deactivate_instance(Context &context)
 {
     constexpr uint16_t deactivate = 0;
-    change_instance(context, "deactivated",
-                    [](uint16_t id) { return OFP_set_ActiveInst(id, deactivate); });
+    change_instance(
+        context, "deactivated", [](uint16_t id) { return OFP_set_ActiveInst(id, deactivate); },
+        [](uint16_t id) { return !reads_active(id); });
 }
 
 void set_instance(Context &context)
@@ -110,30 +126,16 @@ std::optional<uint16_t> next_instance(uint16_t id)
     return next.instance_id;
 }
 
-// Nothing when the agent does not know.
-std::optional<bool> is_active(uint16_t id)
-{
-    uint32_t active = 0;
-    const uint32_t code = OFP_get_InstActive(id, &active);
-    if (code == agent::NOT_SUPPORTED)
-        return std::nullopt;
-    require_success(code, instance_name(id));
-    return (active & UINT16_MAX) == 1;
-}
-
 void print_instance(Output &out, uint16_t id)
 {
-    const std::optional<bool> active = is_active(id);
+    const bool active = reads_active(id);
     if (!out.json()) {
-        out.line(fmt::format("{:>8} {}", id, !active ? "-" : *active ? "active" : "inactive"));
+        out.line(fmt::format("{:>8} {}", id, active ? "active" : "inactive"));
         return;
     }
     out.document().begin_object();
     out.document().number("instance", id);
-    if (active)
-        out.document().flag("active", *active);
-    else
-        out.document().null("active");
+    out.document().flag("active", active);
     out.document().end();
     out.settle();
 }
@@ -157,9 +159,8 @@ void print_instances(Context &context)
 void list_instances(Context &context) { watch(context, print_instances); }
 
 constexpr Operands one_id{"ID", Kind::number, 1, 1, 1, UINT16_MAX};
-constexpr OptionRow action_options[] = {dry_run_option};
+constexpr OptionRow action_options[] = {dry_run_option, verify_option};
 constexpr OptionRow show_options[] = {watch_option, rounds_option};
-constexpr OptionRow set_options[] = {dry_run_option, verify_option};
 
 constexpr Example add_examples[] = {
     {"ofpctl instance add 1", "Creates instance 1 with its default flow tables"},
@@ -205,7 +206,7 @@ constexpr Verb rows[] = {
      .help = "Sets options of an instance.",
      .details = "Each is a request of its own: one that is refused does not undo the others.",
      .operands = {"ID NAME=VALUE...", Kind::text, 2, any_number},
-     .options = set_options,
+     .options = action_options,
      .examples = set_examples,
      .settings = instance_settings},
     {.name = "apply",
@@ -217,7 +218,7 @@ constexpr Verb rows[] = {
                 "the file does not say stays. The difference is printed first. When anything in "
                 "the file is wrong, every error is told with its place and nothing is sent.",
      .operands = {"FILE", Kind::file, 1, 1},
-     .options = set_options,
+     .options = action_options,
      .examples = apply_examples},
     {.name = "show",
      .run = show_instance,

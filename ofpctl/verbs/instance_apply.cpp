@@ -104,6 +104,20 @@ void find_present(const Context &context, uint16_t id, Present &present)
 
 // ---- The difference
 
+std::optional<OfpCtrlSummary> find_controller(const std::vector<OfpCtrlSummary> &all, uint8_t id)
+{
+    const auto found = std::find_if(
+        all.begin(), all.end(), [=](const OfpCtrlSummary &row) { return row.controller_id == id; });
+    return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
+bool has_port(const InstanceRecord &record, uint32_t if_index)
+{
+    const std::vector<OfpVerbIfRep> ports = record.configured_interfaces();
+    return std::any_of(ports.begin(), ports.end(),
+                       [=](const OfpVerbIfRep &port) { return port.if_index == if_index; });
+}
+
 class Difference {
 public:
     Difference(const InstancePlan &plan, const Present &present)
@@ -116,8 +130,9 @@ public:
     void find()
     {
         if (!present_.exists)
-            note("+ " + target_, target_ + " added",
-                 [id = plan_.id] { return OFP_AddInstance(id); });
+            note(
+                "+ " + target_, target_ + " added", [id = plan_.id] { return OFP_AddInstance(id); },
+                [] { return true; });
         for (const Assignment &assignment : plan_.options)
             compare_option(assignment);
         if (plan_.controllers)
@@ -129,14 +144,17 @@ public:
     }
 
 private:
-    void note(std::string line, std::string what, std::function<uint32_t()> send)
+    // holds is asked after the record was read again.
+    void note(std::string line, std::string what, std::function<uint32_t()> send,
+              std::function<bool()> holds)
     {
         lines.push_back(std::move(line));
         changes.all.push_back({.what = std::move(what),
                                .row = nullptr,
                                .value = {},
                                .send = std::move(send),
-                               .read = {}});
+                               .read = {},
+                               .holds = std::move(holds)});
     }
 
     void compare_option(const Assignment &assignment)
@@ -168,32 +186,36 @@ private:
                 remove_controller(old.controller_id);
         }
         for (const PlannedController &next : *plan_.controllers) {
-            const auto old =
-                std::find_if(present.begin(), present.end(), [&](const OfpCtrlSummary &row) {
-                    return row.controller_id == next.id;
-                });
-            set_controller(next, old == present.end() ? nullptr : &*old);
+            set_controller(next, find_controller(present, next.id));
         }
     }
 
     void remove_controller(uint8_t id)
     {
         OfpCtrlCfg record = controller_record(plan_.id, id, {});
-        note(fmt::format("- controller {}", id), fmt::format("controller {} deleted", id),
-             [record] { return OFP_set_CtrlCfg(&record, operation_remove); });
+        note(
+            fmt::format("- controller {}", id), fmt::format("controller {} deleted", id),
+            [record] { return OFP_set_CtrlCfg(&record, operation_remove); },
+            [this, id] { return !find_controller(present_.record.controllers(), id); });
     }
 
-    void set_controller(const PlannedController &next, const OfpCtrlSummary *old)
+    void set_controller(const PlannedController &next, const std::optional<OfpCtrlSummary> &old)
     {
         const OfpCtrlCfg record = controller_record(plan_.id, next.id, next.settings);
-        if (old != nullptr && same_controller(record, *old))
+        if (old && same_controller(record, *old))
             return;
-        std::string line = fmt::format("{} controller {}:", old != nullptr ? '~' : '+', next.id);
+        std::string line = fmt::format("{} controller {}:", old ? '~' : '+', next.id);
         for (const Assignment &setting : next.settings)
             line +=
                 fmt::format(" {}={}", setting.row->name, format_value(*setting.row, setting.value));
-        note(std::move(line), fmt::format("controller {} set", next.id),
-             [record] { return OFP_set_CtrlCfg(&record, operation_set); });
+        note(
+            std::move(line), fmt::format("controller {} set", next.id),
+            [record] { return OFP_set_CtrlCfg(&record, operation_set); },
+            [this, record] {
+                const auto now =
+                    find_controller(present_.record.controllers(), record.controller_id);
+                return now && same_controller(record, *now);
+            });
     }
 
     void compare_ports()
@@ -208,10 +230,7 @@ private:
                 bind_port(OFP_MSG_UNBIND_PORT, old.if_index, std::string(old.name));
         }
         for (const PlannedPort &port : *plan_.ports) {
-            const bool bound =
-                std::any_of(present.begin(), present.end(),
-                            [&](const OfpVerbIfRep &old) { return old.if_index == port.if_index; });
-            if (!bound)
+            if (!present_.exists || !has_port(present_.record, port.if_index))
                 bind_port(OFP_MSG_BIND_PORT, port.if_index, port.name);
         }
     }
@@ -219,19 +238,23 @@ private:
     void bind_port(uint32_t code, uint32_t if_index, const std::string &name)
     {
         const bool binds = code == OFP_MSG_BIND_PORT;
-        note(fmt::format("{} port {}", binds ? '+' : '-', name),
-             fmt::format("port {} {}", name, binds ? "bound" : "unbound"),
-             [=, id = plan_.id] { return OFP_set_PortBindInst(code, id, if_index); });
+        note(
+            fmt::format("{} port {}", binds ? '+' : '-', name),
+            fmt::format("port {} {}", name, binds ? "bound" : "unbound"),
+            [=, id = plan_.id] { return OFP_set_PortBindInst(code, id, if_index); },
+            [=, this] { return has_port(present_.record, if_index) == binds; });
     }
 
     void compare_activity(bool active)
     {
         const uint16_t operation = active ? 1 : 0;
         const std::string_view word = active ? "active" : "inactive";
-        note(present_.exists ? fmt::format("~ {} -> {}", active ? "inactive" : "active", word)
-                             : fmt::format("+ {}", word),
-             fmt::format("{} is {}", target_, word),
-             [=, id = plan_.id] { return OFP_set_ActiveInst(id, operation); });
+        note(
+            present_.exists ? fmt::format("~ {} -> {}", active ? "inactive" : "active", word)
+                            : fmt::format("+ {}", word),
+            fmt::format("{} is {}", target_, word),
+            [=, id = plan_.id] { return OFP_set_ActiveInst(id, operation); },
+            [=, this] { return present_.record.active() == active; });
     }
 
     const InstancePlan &plan_;
@@ -265,7 +288,7 @@ void apply_instance(Context &context)
     Difference difference(plan, present);
     difference.find();
     print_difference(context.out, plan.id, difference.lines);
-    if (difference.changes.all.empty())
+    if (difference.changes.all.empty() && !context.out.json())
         return;
     difference.changes.refresh = [&] { present.record.read(plan.id); };
     difference.changes.terse = true;

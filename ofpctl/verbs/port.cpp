@@ -1,3 +1,4 @@
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -5,7 +6,6 @@
 
 #include <fmt/format.h>
 
-#include "daemon/result_codes.h"
 #include "frame/agent_link.h"
 #include "frame/context.h"
 #include "frame/failure.h"
@@ -28,14 +28,37 @@ const HostInterface &require_port(const std::string &word)
     return *std::get<const HostInterface *>(found);
 }
 
+// By port, the instance it is bound to. An agent that does not run has none.
+std::map<uint32_t, uint32_t> bound_ports()
+{
+    std::map<uint32_t, uint32_t> bound;
+    if (OFP_util_IsDaemonStart() != 1)
+        return bound;
+    require_agent();
+    OfpLink head{};
+    OFP_get_InitMeterBandList(&head);
+    const auto finish = [](OfpLink *list) { OFP_get_FiniMeterBandList(list); };
+    const std::unique_ptr<OfpLink, decltype(finish)> owner(&head, finish);
+    const uint32_t code = OFP_get_AcPortInfo(&head);
+    require_success(code, "ports");
+    for (const OfpLink *at = head.next; at != &head; at = at->next) {
+        const OfpAcPortInfo &port = reinterpret_cast<const OfpAcPortElement *>(at)->port;
+        bound[port.if_index] = port.value_u32_60;
+    }
+    return bound;
+}
+
 template <class Send>
-void change_port(Context &context, std::string_view done, Send send)
+void change_port(Context &context, std::string_view done, Send send,
+                 std::function<bool(uint32_t)> holds = {})
 {
     const HostInterface &port = require_port(context.arguments.operands().front());
-    if (!act(context, fmt::format("port {}", port.name), [&] { return send(port.index); }))
+    if (!act(context, {.doing = fmt::format("port {}", port.name),
+                       .send = [&] { return send(port.index); },
+                       .holds = [&] { return holds(port.index); }}))
         return;
     if (!context.out.json()) {
-        context.out.line(fmt::format("port {} {}", port.name, done));
+        context.out.line(fmt::format("port {} {}{}", port.name, done, verified(context)));
         return;
     }
     context.out.document().text("port", port.name);
@@ -46,8 +69,15 @@ void bind(Context &context, uint32_t code, std::string_view done)
 {
     const auto instance = static_cast<uint16_t>(
         require_number("INSTANCE", context.arguments.operands()[1], 1, UINT16_MAX));
-    change_port(context, fmt::format("{} instance {}", done, instance),
-                [=](uint32_t index) { return OFP_set_PortBindInst(code, instance, index); });
+    change_port(
+        context, fmt::format("{} instance {}", done, instance),
+        [=](uint32_t index) { return OFP_set_PortBindInst(code, instance, index); },
+        [=](uint32_t index) {
+            const std::map<uint32_t, uint32_t> bound = bound_ports();
+            const auto owner = bound.find(index);
+            const bool is_bound = owner != bound.end() && owner->second == instance;
+            return is_bound == (code == OFP_MSG_BIND_PORT);
+        });
 }
 
 void bind_port(Context &context) { bind(context, OFP_MSG_BIND_PORT, "bound to"); }
@@ -63,27 +93,6 @@ void start_port(Context &context)
 {
     change_port(context, "started",
                 [](uint32_t index) { return OFP_set_PortShutdown(OFP_MSG_START_PORT, index); });
-}
-
-// By port, the instance it is bound to. An agent that does not run has none.
-std::map<uint32_t, uint32_t> bound_ports()
-{
-    std::map<uint32_t, uint32_t> bound;
-    if (OFP_util_IsDaemonStart() != 1)
-        return bound;
-    require_agent();
-    OfpLink head{};
-    OFP_get_InitMeterBandList(&head);
-    const auto finish = [](OfpLink *list) { OFP_get_FiniMeterBandList(list); };
-    const std::unique_ptr<OfpLink, decltype(finish)> owner(&head, finish);
-    const uint32_t code = OFP_get_AcPortInfo(&head);
-    if (code != agent::NOT_SUPPORTED)
-        require_success(code, "ports");
-    for (const OfpLink *at = head.next; at != &head; at = at->next) {
-        const OfpAcPortInfo &port = reinterpret_cast<const OfpAcPortElement *>(at)->port;
-        bound[port.if_index] = port.value_u32_60;
-    }
-    return bound;
 }
 
 void print_port(Output &out, const HostInterface &port, std::optional<uint32_t> instance)
@@ -130,6 +139,7 @@ void list_ports(Context &context) { watch(context, print_ports); }
 
 constexpr OptionRow list_options[] = {watch_option, rounds_option};
 constexpr OptionRow options[] = {dry_run_option};
+constexpr OptionRow bind_options[] = {dry_run_option, verify_option};
 
 constexpr Example bind_examples[] = {
     {"ofpctl port bind GE1/0/1 1", "Instance 1 gets port GE1/0/1"},
@@ -157,13 +167,13 @@ constexpr Verb rows[] = {
      .help = "Binds a port to an instance.",
      .details = "A port is named, or given by its index.",
      .operands = port_and_instance,
-     .options = options,
+     .options = bind_options,
      .examples = bind_examples},
     {.name = "unbind",
      .run = unbind_port,
      .help = "Unbinds a port from an instance.",
      .operands = port_and_instance,
-     .options = options,
+     .options = bind_options,
      .examples = unbind_examples},
     {.name = "shutdown",
      .run = shut_down_port,

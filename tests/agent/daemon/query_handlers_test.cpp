@@ -254,7 +254,11 @@ TEST_F(Queries, AGroupIsShownAsTheGroupModThatProgrammedIt)
                   "007a 0030"                               // the group-mod
                   "04 0f 0030 00000000 0000 00 00 00000009" // add
                   "0020 0000 00000003 ffffffff 00000000"
-                  "0000 0010 00000003 0000 000000000000"));
+                  "0000 0010 00000003 0000 000000000000"
+                  "0063 0020"                         // its bucket
+                  "0000000000000000 0000000000000000" // packets, bytes
+                  "00000003 ffffffff 00000010"        // watches port 3; 16 bytes of actions
+                  "0000 0000"));
     EXPECT_EQ(ask_one(model, group_key(0x10000015, 8)), result(NO_GROUP));
 }
 

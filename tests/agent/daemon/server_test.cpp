@@ -6,7 +6,10 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include "agent/config/row_store.h"
+#include "agent/daemon/messages.h"
 #include "agent/daemon/server_fixture.h"
+#include "agent/daemon/settings.h"
 
 namespace agent::test {
 namespace {
@@ -267,6 +270,81 @@ TEST_F(ServerTest, AcceptsAgainOnceDescriptorsAreThere)
     EXPECT_EQ(server_->connections(), 7u);
     turn();
     EXPECT_EQ(rules(), 8u);
+}
+
+// ---- Configuration
+
+Datagram set_instance(uint16_t id) { return join({head(1), instance_filter(id)}); }
+Datagram instance_is_there(uint16_t id) { return join({head(0x10000001), instance_key(id)}); }
+
+class ConfiguringClients : public ServerTest {
+protected:
+    ConfiguringClients()
+    {
+        EXPECT_EQ(attach(model_.configuration(), rows_), "");
+        for (uint16_t id = 1; id <= 20; ++id) {
+            clients_.push_back(connect_client());
+            EXPECT_TRUE(clients_.back().send(set_instance(id)));
+        }
+    }
+    std::vector<Datagram> answers()
+    {
+        std::vector<Datagram> answers;
+        for (Client &client : clients_) {
+            answers.push_back(client.receive());
+        }
+        return answers;
+    }
+
+    Rows rows_;
+    std::vector<Client> clients_;
+};
+
+TEST_F(ConfiguringClients, ThatAreReadyTogetherShareACommit)
+{
+    turn();
+    EXPECT_EQ(answers(), std::vector<Datagram>(20, result(0)));
+    EXPECT_EQ(rows_.writes, 1u);
+    EXPECT_NE(model_.instance(20), nullptr);
+}
+
+TEST_F(ConfiguringClients, AreAllRefusedWhenTheirCommitFailsAndMayTryAgain)
+{
+    rows_.fails = true;
+    turn();
+    EXPECT_EQ(answers(), std::vector<Datagram>(20, result(NOT_STORED)));
+    EXPECT_EQ(model_.counters.refused, 20u);
+    EXPECT_EQ(model_.instance(20), nullptr);
+    rows_.fails = false;
+    EXPECT_EQ(exchange(clients_[0], set_instance(1)), std::vector<Datagram>{result(0)});
+    EXPECT_NE(model_.instance(1), nullptr);
+}
+
+TEST_F(ConfiguringClients, ReadBackWhatTheySetWithoutWaitingForTheAnswer)
+{
+    turn();
+    answers();
+    Client &client = clients_[0];
+    for (uint16_t id = 101; id < 110; ++id) {
+        ASSERT_TRUE(client.send(instance_is_there(id)));
+        ASSERT_TRUE(client.send(set_instance(id)));
+        ASSERT_TRUE(client.send(instance_is_there(id)));
+    }
+    turn();
+    for (uint16_t id = 101; id < 110; ++id) {
+        EXPECT_EQ(client.receive(), hex("0001 0004 20000002 0005 0004 0000 0000"));
+        EXPECT_EQ(client.receive(), result(0));
+        EXPECT_EQ(client.receive(), hex("0001 0004 20000002 0005 0004 0001 0000"));
+    }
+}
+
+TEST_F(ConfiguringClients, ThatHangUpBeforeTheCommitHaveTheirRequestsCarriedOut)
+{
+    clients_.clear();
+    turn();
+    EXPECT_NE(model_.instance(1), nullptr);
+    EXPECT_NE(model_.instance(20), nullptr);
+    EXPECT_EQ(server_->connections(), 0u);
 }
 
 } // namespace

@@ -19,7 +19,7 @@ Datagram tls_policy()
     const uint16_t instance = INSTANCE;
     Datagram lying(sizeof instance);
     std::memcpy(lying.data(), &instance, sizeof instance);
-    return tlv(219, join({lying, hex("03 00"), text("strict", 32)}));
+    return tlv(219, join({lying, hex("03 00"), text("stricter", 32)}));
 }
 
 Datagram as_it_lies(uint32_t value)

@@ -144,6 +144,44 @@ TEST_F(ControllerTest, TellTheirAuxiliaryConnections)
     EXPECT_EQ(ask(2, 0), NO_CONTROLLER);
 }
 
+TEST_F(ControllerTest, TellHowTheirConnectionsStand)
+{
+    serve([](Model &model) {
+        add_controllers(model, 2);
+        ControllerState &state = model.controllers.at(5).controllers[1];
+        state.state = ChannelState::connected;
+        state.role = Role::slave;
+        state.attempts = 7;
+        state.connections = 3;
+        state.lost = 2;
+        state.received[14] = 100; // flow-mods
+        state.received[2] = 5;    // echo requests
+        state.sent[10] = 40;      // packet-ins
+        state.errors = 1;
+    });
+    OfpCtrl controller{};
+    ASSERT_EQ(OFP_get_NextCtrl(5, 0, &controller), 0U);
+    EXPECT_EQ(controller.controller_id, 1);
+    EXPECT_EQ(controller.state, 1U);
+    EXPECT_EQ(controller.value_u32_36, 3U);
+    EXPECT_EQ(controller.value_u64_0, 105U);
+    EXPECT_EQ(controller.value_u64_8, 40U);
+    ASSERT_EQ(OFP_get_CtrlPktInfo(5, 1, buffer_.size(), buffer_.data(), &length_), 0U);
+    const auto packets = records<OfpCtrlDebugInfo>(buffer_, length_, OFP_TLV_CtrlDebugInfo);
+    ASSERT_EQ(packets.size(), 1U);
+    const OfpCtrlDebugInfo info = packets[0];
+    EXPECT_EQ(info.opaque_0, 1);
+    const uint64_t messages[13] = {105, 40, 40, 0, 100, 0, 0, 0, 5, 0, 0, 0, 1};
+    EXPECT_EQ(std::memcmp(&info.value_u64_1, messages, sizeof messages), 0);
+    const uint32_t connection[5] = {4, 3, 7, 3, 2};
+    EXPECT_EQ(std::memcmp(&info.value_u32_105, connection, sizeof connection), 0);
+    OfpSummaryList list;
+    OFP_get_InitSummary(&list);
+    ASSERT_EQ(OFP_get_Summary(&list), 0U);
+    EXPECT_EQ(reinterpret_cast<const OfpSummaryElement *>(list.link.next)->summary.value_u32_8, 1U);
+    OFP_get_FiniSummary(&list);
+}
+
 TEST_F(SingleTest, DebuggingSwitchesAreThoseOfTheirKey)
 {
     serve([](Model &model) {

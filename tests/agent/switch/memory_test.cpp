@@ -223,6 +223,41 @@ TEST_F(MemoryTest, ModifiesAllOrNone)
     expect_sound();
 }
 
+// What finds the rules of packets is made when it is first asked for, and given up rather than a
+// rule refused.
+TEST_F(MemoryTest, FollowsNoPacketWithoutAndKeepsEveryRule)
+{
+    const Message packet = build::oxm32(OFPXMT_IN_PORT, 7);
+    const std::array<uint8_t, 1> tables = {TABLE};
+    const auto met = [&] {
+        agent::Trace trace;
+        EXPECT_FALSE(sw_.trace(CLIENT, {packet, tables, TABLE, false, {}}, trace));
+        return trace.visits.at(0).priority;
+    };
+    for (uint16_t port = 1; port <= 40; port++) {
+        ASSERT_FALSE(program({.priority = port, .match = in_port(port)}));
+    }
+    uint64_t thrown = 0;
+    for (bool done = false; !done;) {
+        memory_.left = thrown;
+        try {
+            EXPECT_EQ(met(), 7);
+            done = true;
+        } catch (const std::bad_alloc &) {
+            thrown++;
+        }
+        memory_.left = ~uint64_t{0};
+    }
+    EXPECT_GT(thrown, 3U);
+    for (uint16_t priority = 100; priority < 140; priority++) {
+        EXPECT_FALSE(sweep({.priority = priority, .match = in_port(7)}));
+        EXPECT_EQ(met(), priority);
+    }
+    ASSERT_FALSE(program({.command = OFPFC_DELETE_STRICT, .priority = 139, .match = in_port(7)}));
+    EXPECT_EQ(met(), 138);
+    expect_sound();
+}
+
 TEST_F(MemoryTest, DeletesWithoutAny)
 {
     for (uint32_t port = 1; port <= 300; port++) {

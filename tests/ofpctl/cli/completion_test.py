@@ -100,6 +100,8 @@ class OtherShellsTest(SandboxTest):
         self.assertEqual(complete("ofpctl flow lo"), {"load"})
         self.assertEqual(complete("ofpctl flow show --cl"), {"--client"})
         self.assertEqual(complete("ofpctl --json smooth st"), {"start"})
+        self.assertEqual(complete("ofpctl instance set 1 fail-o"), {"fail-open=secure", "fail-open=standalone"})
+        self.assertEqual(complete("ofpctl global set ig"), {"ignore="})
 
 
 class ManualTest(SandboxTest):

@@ -17,7 +17,7 @@ def settings(sandbox, noun, verb):
 
 # A value for each form that is not a choice.
 SAMPLES = {
-    "TEXT": "text", "NAME": "name", "ID": "7", "NUMBER": "3", "SECONDS": "9", "DSCP": "46", "ENTRIES": "100",
+    "VALUE": "5", "TEXT": "text", "NAME": "name", "ID": "7", "NUMBER": "3", "SECONDS": "9", "DSCP": "46", "ENTRIES": "100",
     "BITS": "0x3", "MODE": "1", "VLANS": "1-10,20", "ID[/MASK][,loose]": "96/0xff0", "ID:KIND,...": "10:2,12:2",
     "ID,...": "0,2", "U64:U64:U8:U16": "1:2:3:4", "EVENT": "5",
 }
@@ -51,6 +51,16 @@ class EverySettingTest(SandboxTest):
         self.assertLessEqual(set(outcomes.values()), {"verified", "not reported"})
         self.assertEqual(outcomes["fail-open"], "verified")
         self.assertEqual(outcomes["management-vlans"], "verified")
+
+    def test_actions_are_read_back(self):
+        for words in ("instance add --verify 20", "instance activate --verify 20", "instance deactivate --verify 20",
+                      "controller set --verify 20 1 address=2001:db8::1 port=6653 role=slave vrf=a tls-policy=b",
+                      "controller set --verify --aux 2 20 1 port=7", "controller del --verify --aux 2 20 1",
+                      "controller del --verify 20 1", "port bind --verify GE1/0/20 20",
+                      "port unbind --verify GE1/0/20 20", "debug set --verify key0=5 u64-16=9 u32-88=1",
+                      "instance del --verify 20"):
+            with self.subTest(words):
+                self.assertTrue(self.run_ok(*words.split()).out.endswith(" (verified)\n"))
 
     def test_settings_survive_a_killed_agent(self):
         self.run_ok("instance", "add", "3")
@@ -123,8 +133,9 @@ class ApplyTest(SandboxTest):
         result = self.apply(0, changed, "--verify")
         self.assertEqual(result.out, '~ description: edge -> core\n- controller 1\n'
                                      '+ controller 2: address=192.0.2.1 port=6653\n'
-                                     'controller 1 deleted (the agent does not report it)\n'
-                                     'controller 2 set (the agent does not report it)\n3 changes made\n')
+                                     '3 changes made\n')
+        document = self.sandbox.run("--json", "instance", "apply", "--verify", "instance.toml").json()
+        self.assertEqual((document["difference"], document["changes"]), ([], []))
 
     def test_ports_and_activity(self):
         self.apply(0, self.EDGE.format(id=14))
@@ -133,6 +144,10 @@ class ApplyTest(SandboxTest):
         self.assertEqual([port["name"] for port in shown["ports"]], ["GE1/0/15"])
         self.assertTrue(shown["active"])
         self.assertEqual(self.apply(0, "instance = 14\nactive = false\n").out, "~ active -> inactive\n1 change made\n")
+
+    def test_options_are_set_in_an_order_that_keeps_all_of_them(self):
+        self.apply(0, "instance = 18\nextension = 5\nvlan = '100-199'\n", "--verify")
+        self.assertEqual(self.run_json(0, "instance", "show", "18")["configured"]["extension"], "0x5")
 
     def test_json_says_the_same(self):
         self.apply(0, self.EDGE.format(id=16))
@@ -220,6 +235,21 @@ class FailureTest(SandboxTest):
         self.assertEqual(result.err, "ofpctl: set, but it cannot be read back: instance 1: this agent does not "
                                      "answer this message\n")
         self.assertEqual(result.out, "instance 1: fail-open=secure\ninstance 1: qinq=on\n")
+
+    def test_an_action_that_was_not_done_is_noticed_by_verify(self):
+        # Every change is a success, and nothing is there.
+        empty = "0001000420000007"
+        self.sandbox.start_fake("--answer", "0x10000001=00010004200000020005000400000000",
+                                "--answer", f"0x10000004={empty}", "--answer", f"0x10000023={empty}",
+                                "--answer", f"0x10000024={empty}", "--answer", f"0x10000027={empty}",
+                                "--answer", "0x10000010=00010004200000110043000400000000")
+        for words in ("instance add 1", "instance activate 1", "controller set 1 0 address=192.0.2.1",
+                      "controller set --aux 1 1 0 port=1", "port bind 1 1"):
+            with self.subTest(words):
+                noun, verb, *rest = words.split()
+                self.run_ok(noun, verb, *rest)
+                result = self.run_fails(1, noun, verb, "--verify", *rest)
+                self.assertIn("did not refuse, but does not report it done", result.err)
 
     def test_a_value_that_did_not_arrive_is_noticed_by_verify(self):
         # The agent says yes to everything, has the instance, and reports nothing of it.

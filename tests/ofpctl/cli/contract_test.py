@@ -29,14 +29,13 @@ class HelpTest(SandboxTest):
             ["agent start", "agent stop", "agent status", "agent doctor", "instance add",
              "instance set", "instance apply", "instance show", "instance list", "instance activate",
              "instance deactivate", "instance del", "controller set", "controller list",
-             "controller show", "controller del", "vlan set", "port bind", "port unbind",
+             "controller show", "controller reset", "controller del", "vlan set", "port bind", "port unbind",
              "port shutdown", "port start", "port list", "global set", "global show", "debug set",
              "debug show", "smooth start", "smooth end", "flow add", "flow mod", "flow del",
              "flow load", "flow replace", "flow diff", "flow show", "flow count", "flow check",
              "flow format", "group add", "group list", "group show", "group del", "meter list",
              "meter show", "table list", "table show", "packet trace", "packet send", "summary show",
-             "resource show", "app list", "app show", "event monitor", "msg decode", "completion bash",
-             "completion zsh",
+             "resource show", "app list", "app show", "event monitor", "msg decode", "completion bash", "completion zsh",
              "completion fish"])
 
     def test_every_command_explains_itself_in_three_ways(self):
@@ -80,12 +79,12 @@ class ExamplesTest(SandboxTest):
             self.run_ok("smooth", "start")
         elif (noun, verb) in (("agent", "status"), ("agent", "doctor"), ("instance", "add")):
             self.run_ok("agent", "start")
-        elif (noun, verb) == ("app", "show"):
-            self.register_application("3")
         elif noun in ("instance", "controller", "vlan", "port"):
             self.sandbox.run("instance", "add", "1")
             if verb == "unbind":
                 self.sandbox.run("port", "bind", "GE1/0/1", "1")
+        elif (noun, verb) == ("app", "show"):
+            self.register_application("3")
         elif verb in ("load", "mod", "replace"):
             self.delete_all()
 
@@ -188,8 +187,8 @@ class NoAgentTest(SandboxTest):
                       ["global", "set", "ignore=1"], ["global", "show"], ["debug", "set", "key0=1"],
                       ["debug", "show", "1", "0"], ["controller", "list", "1"], ["controller", "show", "1", "0"],
                       ["group", "list"], ["group", "show", "1"], ["meter", "list"], ["meter", "show", "1"],
-                      ["table", "show", "200"], ["summary"], ["resource", "show"], ["app", "list"],
-                      ["app", "show", "3"], ["event", "monitor"],
+                      ["table", "show", "200"], ["summary"], ["resource", "show"],
+                      ["app", "list"], ["app", "show", "3"], ["event", "monitor"],
                       ["smooth", "start"], ["smooth", "end"]):
             with self.subTest(" ".join(words)):
                 result = self.run_fails(3, *words)

@@ -16,7 +16,7 @@ CONFIGURED = (
 COMMANDS = (
     ("instance list", None), ("instance show 1", None), ("controller list 1", None), ("controller show 1 0", None),
     ("group list", None), ("group show 7", None), ("meter list", None), ("table list", None), ("table show 200", None),
-    ("port list", None), ("resource show", None), ("app show", None), ("summary show", None), ("summary", "summary-show"),
+    ("port list", None), ("resource show", None), ("summary show", None), ("summary", "summary-show"),
     ("debug show 1 0", None), ("global show", None),
     ("instance set 1 echo-interval=5 fail-open=secure", "changes"), ("instance set --verify 1 fail-open=secure", "changes"),
     ("instance apply some.toml", "changes"), ("global set ignore=1", "changes"),
@@ -26,7 +26,7 @@ COMMANDS = (
 )
 
 FAILURES = ("instance show 99", "instance set 99 qinq=on", "instance set 1 qinq=perhaps", "group show 99", "meter show 1",
-            "table show --instance 1 99", "controller show 1 9", "app show 3", "flow show --timeout x", "flw")
+            "table show --instance 1 99", "controller show 1 9", "flow show --timeout x", "flw")
 
 
 class SchemaTest(SandboxTest):

@@ -259,6 +259,15 @@ TEST(InstanceOptions, TablesAndVlans)
                                         "fe01");
 }
 
+TEST(InstanceOptions, TheExtensionIsTheFilters)
+{
+    EXPECT_EQ(sent("extension", "0x5"), "00010004"
+                                        "00000001"
+                                        "007c0008"
+                                        "12340000"
+                                        "00000005");
+}
+
 TEST(InstanceOptions, TheDescriptionIsText)
 {
     const std::string description = sent("description", "edge");
