@@ -9,6 +9,7 @@
 namespace ofpctl {
 
 extern const std::span<const Verb> agent_verbs;
+extern const std::span<const Verb> app_verbs;
 extern const std::span<const Verb> completion_verbs;
 extern const std::span<const Verb> controller_verbs;
 extern const std::span<const Verb> debug_verbs;
