@@ -5,6 +5,8 @@
 #include <cstring>
 #include <new>
 
+#include <poll.h>
+#include <sched.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -19,6 +21,7 @@ namespace agent {
 namespace {
 
 constexpr size_t DATAGRAM_MAX = 65535;
+constexpr int ACCEPTS_PER_TURN = 64;
 constexpr int DATAGRAMS_PER_TURN = 32;
 constexpr size_t SENDS_PER_CALL = 32;
 
@@ -38,6 +41,13 @@ Peer peer_of(int fd, uid_t own_user)
         return {};
     }
     return {credentials.pid, credentials.uid == own_user};
+}
+
+// To be told so by accept would cost as much as accepting.
+bool somebody_connects(int listener)
+{
+    pollfd wanted{listener, POLLIN, 0};
+    return poll(&wanted, 1, 0) > 0;
 }
 
 void log_refusal(const Outcome &outcome, pid_t pid)
@@ -119,15 +129,21 @@ bool Server::start()
 
 // ---- Connections
 
-void Server::on_listener(int, short, void *server) { static_cast<Server *>(server)->accept_one(); }
+void Server::on_listener(int, short, void *server) { static_cast<Server *>(server)->accept_all(); }
 
 void Server::on_retry(int, short, void *server)
 {
     static_cast<Server *>(server)->resume_accepting();
 }
 
-// One at a time: to be told that there is no other costs as much as accepting one.
-void Server::accept_one()
+void Server::accept_all()
+{
+    for (int turn = 0; turn < ACCEPTS_PER_TURN && accept_one() && somebody_connects(listener_);
+         ++turn) {
+    }
+}
+
+bool Server::accept_one()
 {
     const int fd = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (fd >= 0) {
@@ -135,9 +151,13 @@ void Server::accept_one()
         if (connection) {
             tend(*connection, EV_READ); // most clients have sent their request by now
         }
-    } else if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) {
-        pause_accepting(errno);
+        return connection != nullptr;
     }
+    if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) {
+        pause_accepting(errno);
+        return false;
+    }
+    return errno != EAGAIN;
 }
 
 // Out of descriptors or memory: those who connect wait in the listener's backlog.
@@ -436,6 +456,11 @@ void Server::release(Connection &connection, bool stored)
         ++model_.counters.refused;
         log_refusal({.message = connection.held_message, .code = NOT_STORED}, connection.peer.pid);
         connection.queue.replace(connection.held_answer, result_reply(NOT_STORED));
+    }
+    // Who configures hangs up once it is answered. Where it shares the processor it may do so now,
+    // before its connection is watched.
+    if (connection.awaited == 0 && flush(connection, connection.queue)) {
+        sched_yield();
     }
     tend(connection, EV_READ);
 }

@@ -54,7 +54,8 @@ private:
     static void on_work(int fd, short what, void *server);
     static void on_commit(int fd, short what, void *server);
 
-    void accept_one();
+    void accept_all();
+    bool accept_one();
     void pause_accepting(int error);
     void resume_accepting();
     Connection *open(int fd);
