@@ -1,7 +1,10 @@
 // How long a query and a setting take, as a multiple of the bare exchange of datagrams of the same
 // sizes with the same peer. Client and peer share a core when the whole is started on one.
+#include <cstdlib>
+#include <fstream>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include <benchmark/benchmark.h>
 
@@ -67,6 +70,50 @@ void status(benchmark::State &state)
     repeat(state, [] { return OFP_util_IsDaemonStart() == 1 ? 0 : 1; });
 }
 
+// The agent's description of the switch has so many interfaces, all bound to the instance.
+constexpr uint32_t interfaces = 1000;
+constexpr uint32_t bind = 33; // message code
+
+void describe_interfaces(const bench::Directory &directory)
+{
+    const std::string file = directory.path() + "/host.toml";
+    std::ofstream(file) << "[[interface]]\nindex = 1\nname = \"GE1/0/1\"\ncount = " << interfaces
+                        << '\n';
+    setenv("OFP_HOST_CONFIG", file.c_str(), 1);
+}
+
+void bind_interfaces(const bench::Agent &agent)
+{
+    agent.use();
+    bench::check(OFP_AddInstance(instance) == 0 && OFP_set_ActiveInst(instance, 1) == 0,
+                 "an instance");
+    for (uint32_t i = 1; i <= interfaces; ++i)
+        bench::check(OFP_set_PortBindInst(bind, instance, i) == 0, "a port");
+}
+
+uint32_t count(const OfpLink &list)
+{
+    uint32_t elements = 0;
+    for (const OfpLink *at = list.next; at != &list; at = at->next)
+        ++elements;
+    return elements;
+}
+
+void verbose(benchmark::State &state, const bench::Agent &agent, const bench::EchoPeer &after)
+{
+    agent.use();
+    repeat(state, [] {
+        OfpVerbose record;
+        OFP_get_InitVerbose(&record);
+        const uint32_t code = OFP_get_Verbose(instance, &record);
+        const bool whole = count(record.configured.interfaces) == interfaces &&
+                           count(record.running.interfaces) == interfaces;
+        OFP_get_FiniVerbose(&record);
+        return code == 0 && whole ? 0 : 1;
+    });
+    after.use();
+}
+
 template <class... Arguments>
 void add(const char *name, Arguments... arguments)
 {
@@ -77,9 +124,13 @@ void add(const char *name, Arguments... arguments)
 
 int main(int argc, char **argv)
 {
+    const bench::Directory description;
+    describe_interfaces(description);
     const bench::Agent forgetful(bench::Agent::Store::memory);
+    const bench::Agent full(bench::Agent::Store::memory);
     const bench::Agent durable;
     const bench::EchoPeer peer;
+    bind_interfaces(full);
     peer.use();
     add("OFP_get_NextRuleID", next_rule);
     add("bare/OFP_get_NextRuleID", bare,
@@ -91,6 +142,7 @@ int main(int argc, char **argv)
     add("bare/OFP_set_EchoTime", bare,
         bench::request(OFP_MSG_SET_ECHO_TIME, OFP_TLV_EchoTime, echo_time));
     add("status", status);
+    add("OFP_get_Verbose", verbose, std::cref(full), std::cref(peer));
     add("memory/OFP_set_EchoTime", change_echo_time, std::cref(forgetful), std::cref(peer));
     add("file/OFP_set_EchoTime", change_echo_time, std::cref(durable), std::cref(peer));
 
@@ -106,6 +158,20 @@ int main(int argc, char **argv)
                         {"bare/OFP_get_RuleInfo"},
                         at_most,
                         1.15},
+                       {"OFP_get_NextRuleID less asking whether the agent runs, to a bare exchange",
+                        {"OFP_get_NextRuleID"},
+                        {"bare/OFP_get_NextRuleID"},
+                        at_most,
+                        1.07,
+                        0,
+                        {"status"}},
+                       {"OFP_get_RuleInfo less asking whether the agent runs, to a bare exchange",
+                        {"OFP_get_RuleInfo"},
+                        {"bare/OFP_get_RuleInfo"},
+                        at_most,
+                        1.07,
+                        0,
+                        {"status"}},
                        {"OFP_set_EchoTime less asking whether the agent runs, to a bare exchange",
                         {"OFP_set_EchoTime"},
                         {"bare/OFP_set_EchoTime"},
@@ -130,5 +196,10 @@ int main(int argc, char **argv)
                        {"OFP_set_EchoTime with an agent that stores in a file, to a bare exchange",
                         {"file/OFP_set_EchoTime"},
                         {"bare/OFP_set_EchoTime"},
+                        reported},
+                       {"OFP_get_Verbose of an instance with 1000 interfaces with the agent, to a "
+                        "bare exchange",
+                        {"OFP_get_Verbose"},
+                        {"bare/OFP_get_NextRuleID"},
                         reported}});
 }

@@ -30,6 +30,7 @@ public:
 
     // The calls that follow find their agent here.
     void use() const;
+    const std::string &path() const { return path_; }
 
 private:
     std::string path_;
