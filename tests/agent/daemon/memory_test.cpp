@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "agent/config/row_store.h"
 #include "agent/daemon/messages.h"
+#include "agent/daemon/settings.h"
 
 namespace {
 
@@ -93,6 +95,36 @@ TEST(Memory, EveryOtherRequestIsAnsweredOrHungUpOn)
             until_failure = NEVER;
             EXPECT_TRUE(!outcome.hang_up || out.empty());
             EXPECT_EQ(model.flow_switch().table(CLIENT, 200).rules, 1u);
+        }
+        EXPECT_TRUE(unhindered);
+    }
+}
+
+TEST(Memory, ASettingIsKeptAndAcknowledgedOrNeither)
+{
+    for (const SettingRequest &request : setting_requests()) {
+        bool unhindered = false;
+        for (size_t n = 0; n < MOST_ALLOCATIONS && !unhindered; ++n) {
+            Model model;
+            ask(model, SettingRequest{1, instance_filter(INSTANCE)}.datagram());
+            ask(model, SettingRequest{5, controller_cfg({.port = 6633})}.datagram());
+            const auto before = rows_of(model.configuration());
+            const Datagram datagram = request.datagram();
+            Outbox out;
+            until_failure = n;
+            const Outcome outcome = answer_and_commit(datagram, out, model);
+            unhindered = until_failure != NEVER;
+            until_failure = NEVER;
+            const bool changed = rows_of(model.configuration()) != before;
+            EXPECT_FALSE(model.configuration().is_staged());
+            if (outcome.hang_up) {
+                EXPECT_TRUE(out.empty());
+            }
+            if (outcome.code != 0) {
+                EXPECT_FALSE(changed) << request.code << ", " << n;
+            } else if (request.code == 6 || request.code == 12 || request.code == 30) {
+                EXPECT_TRUE(changed) << request.code << ", " << n;
+            }
         }
         EXPECT_TRUE(unhindered);
     }
