@@ -43,6 +43,9 @@ public:
     {
         for (auto at = heads_.upper_bound(priority); at != heads_.end(); ++at) {
             for (uint32_t id = at->second; id != 0; id = links_[id - 1].after) {
+                if (const uint32_t next = links_[id - 1].after) {
+                    prefetch(*rules_[next]);
+                }
                 if (visit(id)) {
                     return;
                 }
@@ -68,6 +71,15 @@ private:
         uint32_t before = 0;
         uint32_t after = 0;
     };
+
+    // The record, and the key and match behind it.
+    static void prefetch(const Rule &rule)
+    {
+        const auto *block = reinterpret_cast<const char *>(&rule);
+        for (size_t line = 0; line < 4; line++) {
+            __builtin_prefetch(block + line * 64);
+        }
+    }
 
     bool goes_before(uint32_t a, uint32_t b) const;
     bool insert_chain(uint32_t id);

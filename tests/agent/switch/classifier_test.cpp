@@ -140,7 +140,7 @@ protected:
             ASSERT_GT(visit.better->priority, wanted.priority);
             ASSERT_EQ(visit.better->fields,
                       differing(switch_.rule(CLIENT, TABLE, visit.better->rule)->match));
-            if (wanted.better <= 128) { // all of them are looked at
+            if (wanted.better <= 64) { // all of them are looked at
                 ASSERT_EQ(visit.better->fields, wanted.nearest);
                 missed_++;
             }
