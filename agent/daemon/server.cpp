@@ -6,6 +6,7 @@
 #include <new>
 
 #include <poll.h>
+#include <sched.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -455,6 +456,11 @@ void Server::release(Connection &connection, bool stored)
         ++model_.counters.refused;
         log_refusal({.message = connection.held_message, .code = NOT_STORED}, connection.peer.pid);
         connection.queue.replace(connection.held_answer, result_reply(NOT_STORED));
+    }
+    // Who configures hangs up once it is answered. Where it shares the processor it may do so now,
+    // before its connection is watched.
+    if (connection.awaited == 0 && flush(connection, connection.queue)) {
+        sched_yield();
     }
     tend(connection, EV_READ);
 }

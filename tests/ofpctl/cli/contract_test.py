@@ -188,6 +188,7 @@ class NoAgentTest(SandboxTest):
                       ["debug", "show", "1", "0"], ["controller", "list", "1"], ["controller", "show", "1", "0"],
                       ["group", "list"], ["group", "show", "1"], ["meter", "list"], ["meter", "show", "1"],
                       ["table", "show", "200"], ["summary"], ["resource", "show"],
+                      ["app", "list"], ["app", "show", "3"], ["event", "monitor"],
                       ["smooth", "start"], ["smooth", "end"]):
             with self.subTest(" ".join(words)):
                 result = self.run_fails(3, *words)
