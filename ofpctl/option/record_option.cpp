@@ -3,26 +3,16 @@
 #include <cstring>
 #include <string>
 
+#include "option/member.h"
+
 namespace ofpctl {
 
 namespace {
 
-template <class Member>
-struct MemberOf;
-template <class Record, class Type>
-struct MemberOf<Type Record::*> {
-    using Owner = Record;
-    using Number = Type;
-};
-
-template <auto Member>
-using OwnerOf = typename MemberOf<decltype(Member)>::Owner;
-
 template <auto Member>
 void put_number(OwnerOf<Member> &record, const Value &value)
 {
-    record.*Member =
-        static_cast<typename MemberOf<decltype(Member)>::Number>(std::get<uint64_t>(value));
+    record.*Member = static_cast<NumberOf<Member>>(std::get<uint64_t>(value));
 }
 
 // The record is zero: the text ends where it ends.
