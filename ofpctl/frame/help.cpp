@@ -133,8 +133,8 @@ std::string verb_help(const Noun &noun, const Verb &verb)
     if (!verb.details.empty())
         out += "\n" + wrap(verb.details, 0);
     append_options(out, "Options", verb.options);
-    append_options(out, "Options of every command", common_options());
     append_settings(out, verb);
+    append_options(out, "Options of every command", common_options());
     out += "\nExamples:\n";
     for (const Example &example : verb.examples)
         out += fmt::format("  {}\n      {}\n", example.command, example.purpose);

@@ -6,6 +6,7 @@
 
 #include "frame/rehearsal.h"
 #include "ofp.h"
+#include "option/member.h"
 
 namespace ofpctl {
 
@@ -13,14 +14,6 @@ namespace {
 
 using Configured = OfpVerboseConfigured;
 using Running = OfpVerboseRunning;
-
-template <class Member>
-struct MemberOf;
-template <class Record, class Type>
-struct MemberOf<Type Record::*> {
-    using Owner = Record;
-    using Number = Type;
-};
 
 uint64_t number(const Value &value) { return std::get<uint64_t>(value); }
 
@@ -41,9 +34,9 @@ uint32_t set_wide_pair(uint16_t instance, const Value &value)
 template <auto Set, auto Member>
 uint32_t set_record(uint16_t instance, const Value &value)
 {
-    using Record = typename MemberOf<decltype(Member)>::Owner;
+    using Record = OwnerOf<Member>;
     Record record{};
-    record.*Member = static_cast<typename MemberOf<decltype(Member)>::Number>(number(value));
+    record.*Member = static_cast<NumberOf<Member>>(number(value));
     record.instance_id = instance;
     return Set(&record);
 }
@@ -125,14 +118,14 @@ Record record_in(const uint8_t (&bytes)[Size])
 template <auto Bytes, auto Member>
 Value configured(const InstanceRecord &record)
 {
-    using Record = typename MemberOf<decltype(Member)>::Owner;
+    using Record = OwnerOf<Member>;
     return uint64_t{record_in<Record>(record.configured().*Bytes).*Member};
 }
 
 template <auto Bytes, auto Member>
 Value running(const InstanceRecord &record)
 {
-    using Record = typename MemberOf<decltype(Member)>::Owner;
+    using Record = OwnerOf<Member>;
     return uint64_t{record_in<Record>(record.running().*Bytes).*Member};
 }
 

@@ -3,26 +3,16 @@
 #include <cstring>
 #include <string>
 
+#include "option/member.h"
+
 namespace ofpctl {
 
 namespace {
 
-template <class Member>
-struct MemberOf;
-template <class Record, class Type>
-struct MemberOf<Type Record::*> {
-    using Owner = Record;
-    using Number = Type;
-};
-
-template <auto Member>
-using OwnerOf = typename MemberOf<decltype(Member)>::Owner;
-
 template <auto Member>
 void put_number(OwnerOf<Member> &record, const Value &value)
 {
-    record.*Member =
-        static_cast<typename MemberOf<decltype(Member)>::Number>(std::get<uint64_t>(value));
+    record.*Member = static_cast<NumberOf<Member>>(std::get<uint64_t>(value));
 }
 
 // The record is zero: the text ends where it ends.
@@ -50,7 +40,7 @@ constexpr SettingRow port_row{"port", ValueForm::number, "PORT", "TCP port (defa
 constexpr SettingRow role_row{"role", ValueForm::word, "", "role that it is to have", 0, 0, roles};
 constexpr SettingRow vrf_row{"vrf", ValueForm::text, "NAME", "VRF of the connection", 0, 31};
 
-constexpr RecordOption<OfpCtrlCfg> controller[] = {
+constexpr RecordOption<OfpCtrlCfg> of_controllers[] = {
     {address_row, put_address<OfpCtrlCfg>},
     {port_row, put_number<&OfpCtrlCfg::port>},
     {vrf_row, put_text<&OfpCtrlCfg::text_29>},
@@ -59,14 +49,14 @@ constexpr RecordOption<OfpCtrlCfg> controller[] = {
      put_text<&OfpCtrlCfg::text_61>},
 };
 
-constexpr RecordOption<OfpAuxCfg> auxiliary[] = {
+constexpr RecordOption<OfpAuxCfg> of_auxiliaries[] = {
     {address_row, put_address<OfpAuxCfg>},
     {port_row, put_number<&OfpAuxCfg::port>},
     {vrf_row, put_text<&OfpAuxCfg::text_28>},
 };
 
 // Their meaning is the agent's; they are named for width and place in the record.
-constexpr RecordOption<OfpGlbDebug> debug[] = {
+constexpr RecordOption<OfpGlbDebug> of_debugging[] = {
     {{"key0", ValueForm::number, "NUMBER", "first number of the key", 0, UINT16_MAX},
      put_number<&OfpGlbDebug::value_u16_0>},
     {{"key2", ValueForm::number, "NUMBER", "second number of the key", 0, UINT16_MAX},
@@ -110,9 +100,9 @@ SettingRows rows_of(std::span<const RecordOption<Record>> options)
 
 } // namespace
 
-std::span<const RecordOption<OfpCtrlCfg>> controller_options() { return controller; }
-std::span<const RecordOption<OfpAuxCfg>> auxiliary_options() { return auxiliary; }
-std::span<const RecordOption<OfpGlbDebug>> debug_options() { return debug; }
+std::span<const RecordOption<OfpCtrlCfg>> controller_options() { return of_controllers; }
+std::span<const RecordOption<OfpAuxCfg>> auxiliary_options() { return of_auxiliaries; }
+std::span<const RecordOption<OfpGlbDebug>> debug_options() { return of_debugging; }
 
 OfpCtrlCfg controller_record(uint16_t instance, uint8_t controller_id,
                              std::span<const Assignment> settings)

@@ -11,6 +11,7 @@
 #include "daemon/result_codes.h"
 #include "frame/agent_link.h"
 #include "frame/interrupt.h"
+#include "option/member.h"
 #include "option/record_option.h"
 #include "verbs/controller_verbs.h"
 #include "verbs/reply_tlvs.h"
@@ -41,8 +42,6 @@ std::string name_of(uint16_t instance, uint8_t controller)
     return fmt::format("controller {} of instance {}", controller, instance);
 }
 
-std::string terminated(const char *text, std::size_t room) { return {text, strnlen(text, room)}; }
-
 // A controller as list and show print it.
 struct View {
     uint8_t id;
@@ -61,8 +60,8 @@ View view_of(const OfpCtrl &controller)
             controller.port,
             controller.state == 1,
             role_text(controller.value_u32_36),
-            terminated(controller.text_50, sizeof controller.text_50),
-            terminated(controller.text_152, sizeof controller.text_152)};
+            field_text(controller.text_50),
+            field_text(controller.text_152)};
 }
 
 void write_view(JsonWriter &json, const View &view)
@@ -175,10 +174,10 @@ void print_text(Output &out, uint16_t instance, const Details &details)
     out.line(fmt::format("  vrf         {}", or_dash(view.vrf)));
     out.line(fmt::format("  tls-policy  {}", or_dash(view.tls)));
     for (const OfpAuxCfg &auxiliary : details.auxiliaries)
-        out.line(
-            fmt::format("  auxiliary connection {}: address {}, port {}, vrf {}", auxiliary.aux_id,
-                        address_text(auxiliary.address_type, auxiliary.address), auxiliary.port,
-                        or_dash(terminated(auxiliary.text_28, sizeof auxiliary.text_28))));
+        out.line(fmt::format("  auxiliary connection {}: address {}, port {}, vrf {}",
+                             auxiliary.aux_id,
+                             address_text(auxiliary.address_type, auxiliary.address),
+                             auxiliary.port, or_dash(field_text(auxiliary.text_28))));
     out.line("  counters");
     out.write(record_lines(OFP_TLV_CtrlDebugInfo, &details.counters, 4));
 }
@@ -193,7 +192,7 @@ void print_json(JsonWriter &json, uint16_t instance, const Details &details)
         json.number("auxiliary", auxiliary.aux_id);
         json.text("address", address_text(auxiliary.address_type, auxiliary.address));
         json.number("port", auxiliary.port);
-        json.text("vrf", terminated(auxiliary.text_28, sizeof auxiliary.text_28));
+        json.text("vrf", field_text(auxiliary.text_28));
         json.end();
     }
     json.end();

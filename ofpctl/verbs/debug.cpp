@@ -1,7 +1,10 @@
+#include <algorithm>
 #include <cstring>
+#include <string>
 
 #include <fmt/format.h>
 
+#include "flow/number_text.h"
 #include "frame/agent_link.h"
 #include "frame/context.h"
 #include "ofp.h"
@@ -42,6 +45,22 @@ void set_debug(Context &context)
         context.out.line(fmt::format("debugging switches set{}", verified(context)));
 }
 
+void set_test_debug(Context &context)
+{
+    const std::string &text = context.arguments.operands().front();
+    std::string bytes;
+    OfpTDTestGlbDebug record{};
+    if (!scan_bytes(text, bytes) || bytes.size() != sizeof record.content)
+        throw usage_failure(fmt::format("\"{}\" is not {} bytes of two hexadecimal digits each",
+                                        text, sizeof record.content));
+    std::copy(bytes.begin(), bytes.end(), record.content);
+    if (act(context, {.doing = "debugging of the test driver",
+                      .send = [&] { return OFP_set_TDTestGlbDebug(&record); },
+                      .holds = {}}) &&
+        !context.out.json())
+        context.out.line("debugging of the test driver set");
+}
+
 void print_debug(Context &context)
 {
     const Words &operands = context.arguments.operands();
@@ -78,6 +97,12 @@ constexpr Example show_examples[] = {
     {"ofpctl debug show 1 0", "The switches of key 1, 0 and what debugging counted"},
 };
 
+constexpr OptionRow test_options[] = {dry_run_option};
+
+constexpr Example test_examples[] = {
+    {"ofpctl debug test 000102030405060708090a0b0c0d0e0f", "16 bytes in hexadecimal"},
+};
+
 constexpr OptionRow set_options[] = {dry_run_option, verify_option};
 
 constexpr Example set_examples[] = {
@@ -95,6 +120,13 @@ constexpr Verb rows[] = {
      .options = set_options,
      .examples = set_examples,
      .settings = debug_settings},
+    {.name = "test",
+     .run = set_test_debug,
+     .help = "Sets the debugging record of the test driver.",
+     .details = "It travels as it is given; the agent does not report it.",
+     .operands = {"BYTES", Kind::text, 1, 1},
+     .options = test_options,
+     .examples = test_examples},
     {.name = "show",
      .run = show_debug,
      .help = "Shows the debugging switches of a key and what debugging counted.",

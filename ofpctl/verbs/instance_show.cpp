@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "frame/agent_link.h"
+#include "option/member.h"
 #include "option/record_option.h"
 #include "verbs/instance.h"
 #include "verbs/watch.h"
@@ -19,8 +20,6 @@ constexpr std::size_t name_width = 24;
 constexpr std::size_t value_width = 24;
 
 using Ports = std::vector<OfpVerbIfRep>;
-
-std::string terminated(const char *text, std::size_t room) { return {text, strnlen(text, room)}; }
 
 std::string address_of(const OfpCtrlSummary &controller)
 {
@@ -55,8 +54,8 @@ void print_controllers(Output &out, const std::vector<OfpCtrlSummary> &controlle
         std::string line =
             fmt::format("  {:>3}  {} port {}, {}", controller.controller_id, address_of(controller),
                         controller.port, controller.flag == 1 ? "connected" : "not connected");
-        const std::string vrf = terminated(controller.text_29, sizeof controller.text_29);
-        const std::string tls = terminated(controller.text_61, sizeof controller.text_61);
+        const std::string vrf = field_text(controller.text_29);
+        const std::string tls = field_text(controller.text_61);
         if (!vrf.empty())
             line += fmt::format(", VRF {}", vrf);
         if (!tls.empty())
@@ -71,8 +70,7 @@ void print_ports(Output &out, std::string_view title, const Ports &ports)
         return;
     out.line(title);
     for (const OfpVerbIfRep &port : ports)
-        out.line(
-            fmt::format("  {} (index {})", terminated(port.name, sizeof port.name), port.if_index));
+        out.line(fmt::format("  {} (index {})", field_text(port.name), port.if_index));
 }
 
 void print_text(Output &out, uint16_t id, const InstanceRecord &record)
@@ -108,8 +106,8 @@ void write_controllers(JsonWriter &json, const std::vector<OfpCtrlSummary> &cont
         json.text("address", address_of(controller));
         json.number("port", controller.port);
         json.flag("connected", controller.flag == 1);
-        json.text("vrf", terminated(controller.text_29, sizeof controller.text_29));
-        json.text("tls-policy", terminated(controller.text_61, sizeof controller.text_61));
+        json.text("vrf", field_text(controller.text_29));
+        json.text("tls-policy", field_text(controller.text_61));
         json.end();
     }
     json.end();
@@ -121,7 +119,7 @@ void write_ports(JsonWriter &json, std::string_view key, const Ports &ports)
     for (const OfpVerbIfRep &port : ports) {
         json.begin_object();
         json.number("if_index", port.if_index);
-        json.text("name", terminated(port.name, sizeof port.name));
+        json.text("name", field_text(port.name));
         json.end();
     }
     json.end();

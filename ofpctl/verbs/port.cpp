@@ -50,7 +50,7 @@ std::map<uint32_t, uint32_t> bound_ports()
 
 template <class Send>
 void change_port(Context &context, std::string_view done, Send send,
-                 std::function<bool(uint32_t)> holds = {})
+                 const std::function<bool(uint32_t)> &holds = {})
 {
     const HostInterface &port = require_port(context.arguments.operands().front());
     if (!act(context, {.doing = fmt::format("port {}", port.name),

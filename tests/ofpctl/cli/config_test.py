@@ -11,7 +11,7 @@ from harness import SandboxTest, interrupt
 def settings(sandbox, noun, verb):
     """NAME=VALUE forms as the help of the command lists them."""
     text = sandbox.run(noun, verb, "--help").out
-    listing = text[text.index("Names and values:"):text.index("Examples:")]
+    listing = text[text.index("Names and values:"):text.index("Options of every command:")]
     return re.findall(r"^  (\S+=\S*)", listing, re.M)
 
 

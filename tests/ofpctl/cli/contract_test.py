@@ -31,7 +31,7 @@ class HelpTest(SandboxTest):
              "instance deactivate", "instance del", "controller set", "controller list",
              "controller show", "controller reset", "controller del", "vlan set", "port bind", "port unbind",
              "port shutdown", "port start", "port list", "global set", "global show", "debug set",
-             "debug show", "smooth start", "smooth end", "flow add", "flow mod", "flow del",
+             "debug test", "debug show", "smooth start", "smooth end", "flow add", "flow mod", "flow del",
              "flow load", "flow replace", "flow diff", "flow show", "flow count", "flow check",
              "flow format", "group add", "group list", "group show", "group del", "meter list",
              "meter show", "table list", "table show", "packet trace", "packet send", "summary show",

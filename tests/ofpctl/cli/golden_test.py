@@ -35,6 +35,8 @@ OFFLINE = (
     ("dry-run-port", 0, "port bind -n GE1/0/2 1"),
     ("dry-run-global", 0, "global set -n ipv6-enhanced=on flow-monitor-action=1:2:3:4"),
     ("dry-run-debug", 0, "debug set -n key0=1 u32-8=0x3"),
+    ("dry-run-debug-test", 0, "debug test -n 000102030405060708090a0b0c0d0e0f"),
+    ("wrong-bytes", 2, "debug test 0001"),
     ("port-list", 0, "port list"),
     ("msg-decode", 0, "msg decode 00010004 20000001 00020004 42300115"),
     ("wrong-name", 2, "instance set 1 echo-intervall=5"),
