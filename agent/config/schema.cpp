@@ -255,15 +255,15 @@ public:
     {
         static const std::map<Key, T> none;
         const std::map<Key, T> &old = before ? *before : none;
-        for (const auto &[key, value] : old) {
-            if (!after.contains(key)) {
-                below(name_of(key), [&] { remove<T>(); });
+        for (const auto &element : old) {
+            if (!after.contains(element.first)) {
+                below(name_of(element.first), [&] { remove<T>(); });
             }
         }
-        for (const auto &[key, value] : after) {
-            const auto known = old.find(key);
-            below(name_of(key),
-                  [&] { write(known == old.end() ? nullptr : &known->second, value); });
+        for (const auto &element : after) {
+            const auto known = old.find(element.first);
+            below(name_of(element.first),
+                  [&] { write(known == old.end() ? nullptr : &known->second, element.second); });
         }
     }
 

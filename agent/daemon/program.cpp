@@ -2,6 +2,16 @@
 
 namespace agent {
 
+namespace {
+
+uint32_t most_rules(uint16_t id, const Model &model)
+{
+    const InstanceConfig *const instance = model.instance(id);
+    return instance && instance->flow_entry_limit != 0 ? instance->flow_entry_limit : UINT32_MAX;
+}
+
+} // namespace
+
 Verdict apply_flow_mod(uint16_t instance, Bytes message, Model &model)
 {
     if (message.size() >= openflow::FLOW_MOD_SIZE) {
@@ -15,7 +25,7 @@ Verdict apply_flow_mod(uint16_t instance, Bytes message, Model &model)
             return openflow::Error{openflow::OFPET_FLOW_MOD_FAILED, openflow::OFPFMFC_BAD_TABLE_ID};
         }
     }
-    return model.flow_switch().flow_mod(instance, message);
+    return model.flow_switch().flow_mod(instance, message, most_rules(instance, model));
 }
 
 Verdict apply_group_mod(uint16_t instance, Bytes message, Model &model)

@@ -1,5 +1,6 @@
 // All of an instance: its own data, what is configured and what runs; and the switch's settings.
 #include "daemon/handler.h"
+#include "daemon/option_table.h"
 #include "daemon/records.h"
 #include "daemon/reply_codes.h"
 
@@ -32,27 +33,26 @@ void add_vlans(const VlanSet &vlans, Reply &reply)
     reply.add_value(OFP_TLV_VlanBitmap, {map.bytes, map.size});
 }
 
+void add_option(uint16_t type, uint16_t id, const InstanceConfig &instance, Reply &reply)
+{
+    const Option *const option = option_of_type(type);
+    alignas(8) uint8_t record[OPTION_RECORD_MAX];
+    option->fill(id, instance, record);
+    reply.add_value(type, {record, option->size});
+}
+
 // What both blocks tell in the same records.
 void add_common(uint16_t id, const InstanceConfig &instance, Reply &reply)
 {
-    reply.add(OFP_TLV_VlanLoosen, OfpVlanLoosen{id, instance.vlan_loose});
+    add_option(OFP_TLV_VlanLoosen, id, instance, reply);
     add_vlans(instance.in_band_vlans, reply);
-    reply.add(OFP_TLV_MacLearning, OfpMacLearning{id, instance.mac_learning});
-    reply.add(OFP_TLV_ConnMode, OfpConnMode{instance.connection_mode, id, {}});
-    reply.add(OFP_TLV_FailOpen, OfpFailOpen{instance.fail_mode, id, {}});
-    reply.add(OFP_TLV_MissRule, OfpMissRule{instance.miss_mode, id, {}});
-    reply.add(OFP_TLV_ForbiddenPort, OfpForbiddenPort{instance.forbidden_ports, id, {}});
-    reply.add(OFP_TLV_QinqNetWkcfg, OfpQinqNetWkcfg{instance.qinq, id});
-    reply.add(OFP_TLV_PermitPortType, OfpPermitPortType{instance.permitted_port_types, id, {}});
-    reply.add(OFP_TLV_TcpDscp, OfpTcpDscp{id, {}, instance.dscp});
-    reply.add(OFP_TLV_TcpNsr, OfpTcpNsr{id, instance.nonstop_routing});
-    reply.add(OFP_TLV_DataPlaneMode, OfpDataPlaneMode{id, instance.data_plane_mode});
-    reply.add(OFP_TLV_TTPMode, OfpTTPMode{id, instance.ttp_mode});
-    reply.add(OFP_TLV_SmartGroup, OfpSmartGroup{instance.smart_groups, id});
-    reply.add(OFP_TLV_FlowMonitorInterval,
-              OfpFlowMonitorInterval{id, {}, instance.flow_monitor_interval});
-    reply.add(OFP_TLV_FlowMonitorThreShold,
-              OfpFlowMonitorThreShold{id, {}, instance.flow_monitor_threshold});
+    for (const uint16_t type :
+         {OFP_TLV_MacLearning, OFP_TLV_ConnMode, OFP_TLV_FailOpen, OFP_TLV_MissRule,
+          OFP_TLV_ForbiddenPort, OFP_TLV_QinqNetWkcfg, OFP_TLV_PermitPortType, OFP_TLV_TcpDscp,
+          OFP_TLV_TcpNsr, OFP_TLV_DataPlaneMode, OFP_TLV_TTPMode, OFP_TLV_SmartGroup,
+          OFP_TLV_FlowMonitorInterval, OFP_TLV_FlowMonitorThreShold}) {
+        add_option(type, id, instance, reply);
+    }
 }
 
 // What holds: a limit that nobody set is the switch's.
@@ -94,7 +94,7 @@ uint32_t verbose_configured(const Request &request, Reply &reply, Model &model)
     for (const OfpFlowTable &table : instance->tables) {
         reply.add(OFP_TLV_FlowTable, table);
     }
-    reply.add(OFP_TLV_FlowEntryLimit, OfpFlowEntryLimit{instance->flow_entry_limit, id, {}});
+    add_option(OFP_TLV_FlowEntryLimit, id, *instance, reply);
     if (instance->datapath_id) {
         reply.add(OFP_TLV_DataPathID, datapath_record(id, *instance->datapath_id));
     }
@@ -102,7 +102,7 @@ uint32_t verbose_configured(const Request &request, Reply &reply, Model &model)
     if (const auto &server = model.configuration().global().oap_server) {
         reply.add(OFP_TLV_OapServer, oap_server_record(*server));
     }
-    reply.add(OFP_TLV_DynMacAware, OfpDynMacAware{id, instance->dynamic_mac_aware});
+    add_option(OFP_TLV_DynMacAware, id, *instance, reply);
     if (instance->precedence) {
         reply.add(OFP_TLV_Precedence, precedence_record(id, *instance));
     }

@@ -59,7 +59,7 @@ std::optional<Error> FlowTable::add(Key &key, const Programming &programming)
         rewrite(same, make(key.view(), programming), programming.flags);
         return {};
     }
-    if (size_ >= capacity_) {
+    if (size_ >= std::min(capacity_, programming.most_rules)) {
         return Error{openflow::OFPET_FLOW_MOD_FAILED, openflow::OFPFMFC_TABLE_FULL};
     }
     if (programming.check_overlap && index_.overlaps(priority, key.view())) {

@@ -29,6 +29,7 @@ struct Programming {
     std::span<const uint8_t> match;
     std::span<const uint8_t> instructions;
     uint16_t flags = 0;
+    uint32_t most_rules = UINT32_MAX; // of the table, besides its capacity
 };
 
 // Which of the rules that a match names a modify or delete means.

@@ -128,8 +128,9 @@ struct Switch::Impl {
             .first->second;
     }
 
-    std::optional<Error> flow_mod(Client &owner, const openflow::FlowMod &mod);
-    std::optional<Error> program(Client &owner, const openflow::FlowMod &mod, Key &key);
+    std::optional<Error> flow_mod(Client &owner, const openflow::FlowMod &mod, uint32_t most_rules);
+    std::optional<Error> program(Client &owner, const openflow::FlowMod &mod, Key &key,
+                                 uint32_t most_rules);
     void erase(FlowTable &table, const openflow::FlowMod &mod, const Key &key) noexcept;
     std::optional<Error> group_mod(Client &owner, const openflow::GroupMod &mod);
     std::optional<Error> erase_group(Client &owner, const openflow::GroupMod &mod) noexcept;
@@ -142,7 +143,8 @@ struct Switch::Impl {
     std::pmr::map<uint16_t, Client> clients;
 };
 
-std::optional<Error> Switch::Impl::flow_mod(Client &owner, const openflow::FlowMod &mod)
+std::optional<Error> Switch::Impl::flow_mod(Client &owner, const openflow::FlowMod &mod,
+                                            uint32_t most_rules)
 {
     if (auto error = check_head(mod)) {
         return error;
@@ -156,7 +158,7 @@ std::optional<Error> Switch::Impl::flow_mod(Client &owner, const openflow::FlowM
         at->second.prefetch(mod.priority, key.view());
     }
     if (!is_delete(mod.command)) {
-        return program(owner, mod, key);
+        return program(owner, mod, key, most_rules);
     }
     if (mod.table_id == openflow::OFPTT_ALL) {
         for (auto &[id, each] : owner.tables) {
@@ -168,7 +170,8 @@ std::optional<Error> Switch::Impl::flow_mod(Client &owner, const openflow::FlowM
     return {};
 }
 
-std::optional<Error> Switch::Impl::program(Client &owner, const openflow::FlowMod &mod, Key &key)
+std::optional<Error> Switch::Impl::program(Client &owner, const openflow::FlowMod &mod, Key &key,
+                                           uint32_t most_rules)
 {
     if (auto error = openflow::check_instructions(mod.instructions, mod.table_id)) {
         return error;
@@ -178,8 +181,9 @@ std::optional<Error> Switch::Impl::program(Client &owner, const openflow::FlowMo
     }
     FlowTable &into = table(owner, mod.table_id);
     const bool check_overlap = (mod.flags & openflow::OFPFF_CHECK_OVERLAP) != 0;
-    const Programming programming = {mod.priority,  mod.cookie,      owner.opened,     clock(),
-                                     check_overlap, mod.match.bytes, mod.instructions, mod.flags};
+    const Programming programming = {mod.priority,     mod.cookie,    owner.opened,
+                                     clock(),          check_overlap, mod.match.bytes,
+                                     mod.instructions, mod.flags,     most_rules};
     // A modify is not narrowed by port or group.
     const Filter filter = {mod.cookie, mod.cookie_mask, openflow::OFPP_ANY, openflow::OFPG_ANY};
     if (mod.command == openflow::OFPFC_ADD) {
@@ -258,14 +262,15 @@ Switch::Switch(const SwitchLimits &limits, std::pmr::memory_resource *memory, Cl
 
 Switch::~Switch() = default;
 
-std::optional<Error> Switch::flow_mod(uint16_t client, std::span<const uint8_t> message)
+std::optional<Error> Switch::flow_mod(uint16_t client, std::span<const uint8_t> message,
+                                      uint32_t most_rules)
 {
     const auto mod = openflow::parse_flow_mod(message);
     if (!mod) {
         return mod.error();
     }
     try {
-        return impl_->flow_mod(impl_->client(client), *mod);
+        return impl_->flow_mod(impl_->client(client), *mod, most_rules);
     } catch (const std::bad_alloc &) {
         return flow_mod_failed(openflow::OFPFMFC_TABLE_FULL);
     }

@@ -67,8 +67,10 @@ public:
     Switch(const Switch &) = delete;
     Switch &operator=(const Switch &) = delete;
 
-    // One message in network order; nothing returned means that it was applied.
-    std::optional<openflow::Error> flow_mod(uint16_t client, std::span<const uint8_t> message);
+    // One message in network order; nothing returned means that it was applied. A table that holds
+    // most_rules takes no further one, as one that is full; those that it holds may be replaced.
+    std::optional<openflow::Error> flow_mod(uint16_t client, std::span<const uint8_t> message,
+                                            uint32_t most_rules = UINT32_MAX);
     std::optional<openflow::Error> group_mod(uint16_t client, std::span<const uint8_t> message);
 
     // What becomes of a packet; nothing changes. Throws std::bad_alloc.

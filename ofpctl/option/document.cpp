@@ -5,8 +5,18 @@
 
 #include <fmt/format.h>
 
-#define TOML_HEADER_ONLY 1
+// The parser asserts what some malformed files break, and with NDEBUG assumes it: here that is an
+// error like others.
+namespace ofpctl {
+struct MalformedToml {};
+[[noreturn]] void refuse_toml() { throw MalformedToml{}; }
+} // namespace ofpctl
+#pragma push_macro("NDEBUG")
+#undef NDEBUG
+#define TOML_ASSERT(condition) ((condition) ? static_cast<void>(0) : ::ofpctl::refuse_toml())
+#define TOML_HEADER_ONLY       1
 #include <toml++/toml.h>
+#pragma pop_macro("NDEBUG")
 
 #include "flow/json_tree.h"
 
@@ -58,6 +68,8 @@ std::variant<DocumentNode, DocumentError> parse_toml(std::string_view text)
     } catch (const toml::parse_error &error) {
         const toml::source_position &at = error.source().begin;
         return DocumentError{at.line, at.column, std::string(error.description())};
+    } catch (const MalformedToml &) {
+        return DocumentError{1, 1, "this is no TOML: a name or a value is malformed"};
     }
 }
 

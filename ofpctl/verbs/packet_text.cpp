@@ -45,7 +45,8 @@ std::string why_not(const PacketNearMiss &miss)
             text += fmt::format("{} is {}, not {}", difference.field, difference.has,
                                 difference.wanted);
     }
-    const std::size_t more = miss.fields - miss.differences.size();
+    const std::size_t told = miss.differences.size();
+    const std::size_t more = miss.fields > told ? miss.fields - told : 0;
     return more == 0 ? text : fmt::format("{}, and {} differ", text, counted(more, "more field"));
 }
 

@@ -158,9 +158,9 @@ void decode_value(DecodedTlv &tlv, Bytes value)
 // The first OpenFlow message of a group message counts its TLV header in the TLV's length.
 bool counts_header(const DecodedDatagram &datagram, uint16_t type)
 {
-    return type == OFP_TLV_FlowEntry &&
-           (datagram.code == uint32_t{OFP_MSG_SET_GROUP} ||
-            datagram.code == uint32_t{OFP_MSG_DEL_GROUP}) &&
+    const uint32_t code = datagram.code.value_or(0);
+    const bool group = code == OFP_MSG_SET_GROUP || code == OFP_MSG_DEL_GROUP;
+    return group && type == OFP_TLV_FlowEntry &&
            std::none_of(datagram.tlvs.begin(), datagram.tlvs.end(),
                         [](const DecodedTlv &tlv) { return tlv.type == OFP_TLV_FlowEntry; });
 }

@@ -7,8 +7,18 @@
 #include <iterator>
 #include <set>
 
-#define TOML_HEADER_ONLY 1
+/* The parser asserts what some malformed files break, and with NDEBUG assumes it: here that is an
+ * error like others. */
+namespace host {
+struct MalformedToml {};
+[[noreturn]] void refuse_toml() { throw MalformedToml{}; }
+} // namespace host
+#pragma push_macro("NDEBUG")
+#undef NDEBUG
+#define TOML_ASSERT(condition) ((condition) ? static_cast<void>(0) : ::host::refuse_toml())
+#define TOML_HEADER_ONLY       1
 #include <toml++/toml.h>
+#pragma pop_macro("NDEBUG")
 
 #include "config.h"
 #include "ofp/platform.h"
@@ -143,6 +153,8 @@ toml::table parse(const std::string &file)
         throw ConfigError(file + ":" + std::to_string(error.source().begin.line) + ":" +
                           std::to_string(error.source().begin.column) + ": " +
                           std::string(error.description()));
+    } catch (const MalformedToml &) {
+        throw ConfigError(file + ": this is no TOML: a name or a value is malformed");
     }
 }
 

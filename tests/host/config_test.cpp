@@ -205,6 +205,7 @@ TEST_F(Config, WrongValuesNameLineAndKey)
                  "bridge_mac, acl_resource");
     expect_wrong("\n[devices]\n",
                  "2: devices: unknown, known are device, context, node, interface");
+    expect_wrong("[=device]\n", " this is no TOML: a name or a value is malformed");
     expect_wrong("device = 3\n", "1: device: expected a table");
     expect_wrong("node = 3\n", "1: node: expected [[node]]");
     expect_wrong("[interface]\nindex = 1\n", "1: interface: expected [[interface]]");

@@ -189,6 +189,23 @@ TEST(FlowRules, AreNotTakenFromAClientWhoseInstanceIsThereFromEarlier)
     EXPECT_EQ(answers[0], error_reply(flow_mod(0, {}), 1, 5)); // bad request, EPERM
 }
 
+TEST(FlowRules, AreTakenUpToTheInstancesLimitOfEachTable)
+{
+    Model model;
+    open_period(model);
+    ask(model, add(CLIENT, {table(10)}));
+    EXPECT_EQ(ask_one(model, join({head(7), tlv(9, join({be32(1), be16(CLIENT), be16(0)}))})),
+              result(0));
+    ask(model,
+        batch({{.in_port = 1}, {.in_port = 2}, {.in_port = 1}, {.in_port = 1, .table = 10}}));
+    EXPECT_EQ(model.counters.errors, 1u);
+    EXPECT_EQ(model.flow_switch().table(CLIENT, 200).rules, 1u);
+    EXPECT_EQ(model.flow_switch().table(CLIENT, 10).rules, 1u);
+    ask(model, join({head(7), tlv(9, join({be32(0), be16(CLIENT), be16(0)}))}));
+    ask(model, batch({{.in_port = 2}}));
+    EXPECT_EQ(model.flow_switch().table(CLIENT, 200).rules, 2u);
+}
+
 TEST(ActivateInstance, IsUndoneByDeactivating)
 {
     Model model;

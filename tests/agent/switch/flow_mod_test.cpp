@@ -312,6 +312,19 @@ TEST_F(AddTest, RefusesWhatTheSwitchCannotDo)
     EXPECT_EQ(rules(), 0U);
 }
 
+TEST_F(AddTest, FillsATableToTheLimitOfTheMoment)
+{
+    const auto add = [this](uint32_t port, uint32_t most_rules) {
+        return switch_.flow_mod(CLIENT, build::flow_mod({.match = in_port(port)}), most_rules);
+    };
+    EXPECT_FALSE(add(1, 2));
+    EXPECT_FALSE(add(2, 2));
+    EXPECT_EQ(add(3, 2), TABLE_FULL);
+    EXPECT_FALSE(add(2, 1)); // replaces one
+    EXPECT_EQ(rules(), 2U);
+    EXPECT_FALSE(add(3, 3));
+}
+
 TEST_F(AddTest, FillsATableToItsCapacity)
 {
     agent::Switch small({.rules_per_table = 2});

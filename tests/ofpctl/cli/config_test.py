@@ -5,7 +5,7 @@ import re
 import signal
 import unittest
 
-from harness import SandboxTest
+from harness import SandboxTest, interrupt
 
 
 def settings(sandbox, noun, verb):
@@ -179,6 +179,7 @@ class ApplyTest(SandboxTest):
     def test_bad_files(self):
         for text, message in (("instance = 1\ninstance = 2\n", "instance.toml:2:"), ("{", "instance.toml:1:"),
                               ("instance = \n", "instance.toml:1:"), ("", "instance is missing"),
+                              ("[=a]\n", "this is no TOML"), ("[[[a]]]\n", "instance.toml:1:"),
                               ('{"instance": 1, "instance": 2}', "instance is set twice"), (b"\xff\xfe\0\0", ":1:"),
                               ("a = 1\n" * 300_000, "larger than 1 MiB"), ("a = " + "[" * 100_000, ":1:"),
                               ('{"a": ' + "[" * 100_000, ":1:")):
@@ -221,6 +222,15 @@ class FailureTest(SandboxTest):
         self.sandbox.start_fake("--silent")
         self.run_fails(4, "instance", "set", "--timeout", "1", "1", "qinq=on")
         self.run_fails(4, "instance", "show", "--timeout", "1", "1")
+
+    def test_an_interrupt_leaves_the_rest_unsent(self):
+        self.sandbox.start_fake("--silent", "--record", str(self.sandbox.folder / "interrupted"))
+        process = self.sandbox.start("instance", "set", "1", "qinq=on", "echo-interval=5")
+        self.wait_until((self.sandbox.folder / "interrupted").exists)
+        interrupt(process)
+        result = self.sandbox.finish(process)
+        self.assertEqual(result.status, 130, result)
+        self.assertIn("instance 1: echo-interval=5: not sent\n", result.out)
 
     def test_an_undecodable_answer_is_noticed_by_verify_alone(self):
         self.sandbox.start_fake("--garbage")

@@ -3,7 +3,7 @@ import json
 import unittest
 
 import json_schema
-from harness import SandboxTest
+from harness import SandboxTest, interrupt
 
 CONFIGURED = (
     "instance add 1", "controller set 1 0 address=192.0.2.1 port=6653 role=master", "controller set --aux 1 1 0 port=1",
@@ -18,6 +18,9 @@ COMMANDS = (
     ("group list", None), ("group show 7", None), ("meter list", None), ("table list", None), ("table show 200", None),
     ("port list", None), ("resource show", None), ("summary show", None), ("summary", "summary-show"),
     ("debug show 1 0", None), ("global show", None),
+    ("packet trace in_port=1", None), ("packet trace arp,in_port=2", None), ("packet send in_port=1", "packet-trace"),
+    ("packet trace in_port=1 --instance 1", "packet-trace"),
+    ("app list", None), ("app show 5", None),
     ("instance set 1 echo-interval=5 fail-open=secure", "changes"), ("instance set --verify 1 fail-open=secure", "changes"),
     ("instance apply some.toml", "changes"), ("global set ignore=1", "changes"),
     ("vlan set --verify --instance 1 vlan=7 normal-forward-vlans=1", "changes"),
@@ -26,7 +29,7 @@ COMMANDS = (
 )
 
 FAILURES = ("instance show 99", "instance set 99 qinq=on", "instance set 1 qinq=perhaps", "group show 99", "meter show 1",
-            "table show --instance 1 99", "controller show 1 9", "flow show --timeout x", "flw")
+            "table show --instance 1 99", "controller show 1 9", "app show 3", "flow show --timeout x", "flw")
 
 
 class SchemaTest(SandboxTest):
@@ -37,6 +40,14 @@ class SchemaTest(SandboxTest):
         for command in CONFIGURED:
             result = cls.sandbox.run(*command.split())
             assert result.status == 0, (command, result)
+        cls.listener = cls.sandbox.start("event", "monitor", "--app", "5")
+        cls.wait_until(lambda: cls.sandbox.run("app", "show", "5").status == 0)
+
+    @classmethod
+    def tearDownClass(cls):
+        interrupt(cls.listener)
+        cls.sandbox.finish(cls.listener)
+        super().tearDownClass()
 
     def test_what_commands_print(self):
         for command, name in COMMANDS:

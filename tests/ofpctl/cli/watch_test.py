@@ -119,7 +119,7 @@ class LyingAgentTest(SandboxTest):
         for words in (["instance", "list"], ["instance", "show", "1"], ["controller", "list", "1"],
                       ["controller", "show", "1", "0"], ["group", "list"], ["group", "show", "1"], ["meter", "list"],
                       ["meter", "show", "1"], ["table", "list"], ["table", "show", "1"], ["port", "list"],
-                      ["resource", "show"], ["summary"], ["debug", "show", "0", "0"], ["global", "show"]):
+                      ["resource", "show"], ["app", "list"], ["summary"], ["debug", "show", "0", "0"], ["global", "show"]):
             with self.subTest(" ".join(words)):
                 result = self.sandbox.run("--json", *words)
                 self.assertIn(result.status, (0, 1, 4, 5), result)
