@@ -80,6 +80,9 @@ TEST(Memory, EveryOtherRequestIsAnsweredOrHungUpOn)
         join({head(0x50000007), hex("007c 0008 0005 0002 00000000 007e 0004 00000000"),
               hex("0045 0008 0a000000 00000002")}),
         join({head(0x1000000d), hex("0038 0008 00000001 1001 c8 00")}),
+        join({head(0x50000008), hex("00bf 0008 00000000 03 000000")}),
+        join({head(0x50000009), hex("00c0 0008 00000010 03 000000")}),
+        join({head(0x1000002d), hex("00bf 0008 00000000 03 000000")}),
         join({head(0x10000099)}),
     };
     for (const Datagram &request : requests) {
@@ -128,6 +131,47 @@ TEST(Memory, ASettingIsKeptAndAcknowledgedOrNeither)
         }
         EXPECT_TRUE(unhindered);
     }
+}
+
+TEST(Memory, AnEventThatCannotBeKeptIsCountedAsDropped)
+{
+    bool unhindered = false;
+    for (size_t n = 0; n < MOST_ALLOCATIONS && !unhindered; ++n) {
+        Model model;
+        model.applications.enroll(3, {1, 100});
+        model.applications.subscribe(3, 16);
+        const Datagram event(24, 7);
+        until_failure = n;
+        model.applications.publish(16, event);
+        unhindered = until_failure != NEVER;
+        until_failure = NEVER;
+        const Application &application = *model.applications.find(3);
+        EXPECT_EQ(application.accepted + application.dropped, 1u) << n;
+        EXPECT_EQ(application.accepted, application.waiting.datagrams()) << n;
+        EXPECT_EQ(application.dropped, unhindered ? 0u : 1u) << n;
+    }
+    EXPECT_TRUE(unhindered);
+}
+
+TEST(Memory, AnIdIsTakenOverWholeOrNotAtAll)
+{
+    bool unhindered = false;
+    for (size_t n = 0; n < MOST_ALLOCATIONS && !unhindered; ++n) {
+        Model model;
+        model.applications.enroll(3, {1, 100});
+        until_failure = n;
+        bool failed = false;
+        try {
+            model.applications.enroll(3, {2, 200});
+        } catch (const std::bad_alloc &) {
+            failed = true;
+        }
+        unhindered = until_failure != NEVER;
+        until_failure = NEVER;
+        EXPECT_EQ(model.applications.find(3)->owner.process, failed ? 100 : 200) << n;
+        EXPECT_EQ(model.applications.take_superseded().size(), failed ? 0u : 1u) << n;
+    }
+    EXPECT_TRUE(unhindered);
 }
 
 } // namespace
