@@ -114,6 +114,33 @@ void verbose(benchmark::State &state, const bench::Agent &agent, const bench::Ec
     after.use();
 }
 
+constexpr int clients = 16;
+
+// Clients that change settings at the same time share commits.
+void change_together(benchmark::State &state, const bench::Agent &agent,
+                     const bench::EchoPeer &after)
+{
+    if (state.thread_index() == 0)
+        agent.use();
+    OfpEchoTime time = {.interval = 5,
+                        .instance_id = static_cast<uint16_t>(instance + state.thread_index())};
+    repeat(state, [&] {
+        time.interval = 5 + (time.interval & 1);
+        return OFP_set_EchoTime(&time);
+    });
+    state.counters["rate"] =
+        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    if (state.thread_index() == 0)
+        after.use();
+}
+
+void add_instances(const bench::Agent &agent)
+{
+    agent.use();
+    for (int i = 0; i < clients; ++i)
+        bench::check(OFP_AddInstance(static_cast<uint16_t>(instance + i)) == 0, "an instance");
+}
+
 template <class... Arguments>
 void add(const char *name, Arguments... arguments)
 {
@@ -131,6 +158,7 @@ int main(int argc, char **argv)
     const bench::Agent durable;
     const bench::EchoPeer peer;
     bind_interfaces(full);
+    add_instances(durable);
     peer.use();
     add("OFP_get_NextRuleID", next_rule);
     add("bare/OFP_get_NextRuleID", bare,
@@ -146,60 +174,71 @@ int main(int argc, char **argv)
     add("memory/OFP_set_EchoTime", change_echo_time, std::cref(forgetful), std::cref(peer));
     add("file/OFP_set_EchoTime", change_echo_time, std::cref(durable), std::cref(peer));
 
+    for (const int together : {1, clients})
+        benchmark::RegisterBenchmark(together == 1 ? "alone" : "together", change_together,
+                                     std::cref(durable), std::cref(peer))
+            ->Threads(together)
+            ->UseRealTime();
+
     using enum bench::Sense;
-    return bench::run(argc, argv,
-                      {{"OFP_get_NextRuleID to a bare exchange",
-                        {"OFP_get_NextRuleID"},
-                        {"bare/OFP_get_NextRuleID"},
-                        at_most,
-                        1.15},
-                       {"OFP_get_RuleInfo to a bare exchange",
-                        {"OFP_get_RuleInfo"},
-                        {"bare/OFP_get_RuleInfo"},
-                        at_most,
-                        1.15},
-                       {"OFP_get_NextRuleID less asking whether the agent runs, to a bare exchange",
-                        {"OFP_get_NextRuleID"},
-                        {"bare/OFP_get_NextRuleID"},
-                        at_most,
-                        1.07,
-                        0,
-                        {"status"}},
-                       {"OFP_get_RuleInfo less asking whether the agent runs, to a bare exchange",
-                        {"OFP_get_RuleInfo"},
-                        {"bare/OFP_get_RuleInfo"},
-                        at_most,
-                        1.07,
-                        0,
-                        {"status"}},
-                       {"OFP_set_EchoTime less asking whether the agent runs, to a bare exchange",
-                        {"OFP_set_EchoTime"},
-                        {"bare/OFP_set_EchoTime"},
-                        at_most,
-                        1.07,
-                        0,
-                        {"status"}},
-                       {"asking whether the agent runs, to a bare exchange",
-                        {"status"},
-                        {"bare/OFP_set_EchoTime"},
-                        at_most,
-                        0.10},
-                       {"OFP_set_EchoTime as a whole, to a bare exchange",
-                        {"OFP_set_EchoTime"},
-                        {"bare/OFP_set_EchoTime"},
-                        reported},
-                       {"OFP_set_EchoTime with an agent that stores in memory, to a bare exchange",
-                        {"memory/OFP_set_EchoTime"},
-                        {"bare/OFP_set_EchoTime"},
-                        at_most,
-                        1.3},
-                       {"OFP_set_EchoTime with an agent that stores in a file, to a bare exchange",
-                        {"file/OFP_set_EchoTime"},
-                        {"bare/OFP_set_EchoTime"},
-                        reported},
-                       {"OFP_get_Verbose of an instance with 1000 interfaces with the agent, to a "
-                        "bare exchange",
-                        {"OFP_get_Verbose"},
-                        {"bare/OFP_get_NextRuleID"},
-                        reported}});
+    return bench::run(
+        argc, argv,
+        {{"OFP_get_NextRuleID to a bare exchange",
+          {"OFP_get_NextRuleID"},
+          {"bare/OFP_get_NextRuleID"},
+          at_most,
+          1.15},
+         {"OFP_get_RuleInfo to a bare exchange",
+          {"OFP_get_RuleInfo"},
+          {"bare/OFP_get_RuleInfo"},
+          at_most,
+          1.15},
+         {"OFP_get_NextRuleID less asking whether the agent runs, to a bare exchange",
+          {"OFP_get_NextRuleID"},
+          {"bare/OFP_get_NextRuleID"},
+          at_most,
+          1.07,
+          0,
+          {"status"}},
+         {"OFP_get_RuleInfo less asking whether the agent runs, to a bare exchange",
+          {"OFP_get_RuleInfo"},
+          {"bare/OFP_get_RuleInfo"},
+          at_most,
+          1.07,
+          0,
+          {"status"}},
+         {"OFP_set_EchoTime less asking whether the agent runs, to a bare exchange",
+          {"OFP_set_EchoTime"},
+          {"bare/OFP_set_EchoTime"},
+          at_most,
+          1.07,
+          0,
+          {"status"}},
+         {"asking whether the agent runs, to a bare exchange",
+          {"status"},
+          {"bare/OFP_set_EchoTime"},
+          at_most,
+          0.10},
+         {"OFP_set_EchoTime as a whole, to a bare exchange",
+          {"OFP_set_EchoTime"},
+          {"bare/OFP_set_EchoTime"},
+          reported},
+         {"OFP_set_EchoTime with an agent that stores in memory, to a bare exchange",
+          {"memory/OFP_set_EchoTime"},
+          {"bare/OFP_set_EchoTime"},
+          at_most,
+          1.3},
+         {"OFP_set_EchoTime with an agent that stores in a file, to a bare exchange",
+          {"file/OFP_set_EchoTime"},
+          {"bare/OFP_set_EchoTime"},
+          reported},
+         {"settings a second of 16 clients at once, stored in a file, to those of one",
+          {"together", "rate", 1, "a second"},
+          {"alone", "rate", 1, "a second"},
+          reported},
+         {"OFP_get_Verbose of an instance with 1000 interfaces with the agent, to a "
+          "bare exchange",
+          {"OFP_get_Verbose"},
+          {"bare/OFP_get_NextRuleID"},
+          reported}});
 }

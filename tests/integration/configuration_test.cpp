@@ -7,6 +7,7 @@
 #include <functional>
 #include <thread>
 
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -391,6 +392,39 @@ TEST_F(ConfigurationTest, KeptInMemoryEndsWithItsAgent)
     EXPECT_FALSE(std::filesystem::exists(store()));
     start_agent({"--store=:memory:"});
     EXPECT_FALSE(instance_exists(7));
+}
+
+size_t resident_pages(pid_t process)
+{
+    std::ifstream sizes("/proc/" + std::to_string(process) + "/statm");
+    size_t whole = 0;
+    size_t resident = 0;
+    sizes >> whole >> resident;
+    return resident;
+}
+
+void change_echo_time(int times)
+{
+    for (int n = 0; n < times; ++n) {
+        const OfpEchoTime time = {.interval = 5 + static_cast<uint32_t>(n & 1),
+                                  .instance_id = INSTANCE};
+        ASSERT_EQ(OFP_set_EchoTime(&time), 0u);
+    }
+}
+
+TEST_F(ConfigurationTest, ChangedTenThousandTimesTakesNoMoreMemory)
+{
+    start_agent({"--store", ":memory:"});
+    ASSERT_EQ(OFP_AddInstance(INSTANCE), 0u);
+    change_echo_time(1000);
+    const size_t own = mallinfo2().uordblks;
+    [[maybe_unused]] const size_t pages = resident_pages(agent());
+    change_echo_time(10'000);
+    EXPECT_LE(mallinfo2().uordblks, own + 4096);
+#ifndef __SANITIZE_ADDRESS__ // which keeps what was freed
+    EXPECT_GT(pages, 0u);
+    EXPECT_LE(resident_pages(agent()), pages + 16);
+#endif
 }
 
 TEST_F(ConfigurationTest, LiesInTheFileThatIsNamed)
