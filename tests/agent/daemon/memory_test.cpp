@@ -27,6 +27,15 @@ bool fails() { return until_failure != NEVER && until_failure-- == 0; }
     return block;
 }
 
+[[gnu::noinline]] void *operator new(size_t size, const std::nothrow_t &) noexcept
+{
+    void *const block = fails() ? nullptr : std::malloc(size);
+    if (!block) {
+        until_failure = NEVER;
+    }
+    return block;
+}
+
 [[gnu::noinline]] void operator delete(void *block) noexcept { std::free(block); }
 [[gnu::noinline]] void operator delete(void *block, size_t) noexcept { std::free(block); }
 
