@@ -14,7 +14,7 @@ namespace {
 
 struct Listener {
     uint32_t application = 4;
-    event_base *base = event_base_new();
+    event_base *base = nullptr;
     event *readable = nullptr;
     event *retry = nullptr;
 };
@@ -80,10 +80,13 @@ int main(int argc, char **argv)
     Listener listener;
     if (argc > 1)
         listener.application = static_cast<uint32_t>(std::strtoul(argv[1], nullptr, 10));
-    if (listener.application < 1 || listener.application > 11 || !listener.base) {
+    if (listener.application < 1 || listener.application > 11) {
         std::fprintf(stderr, "an application is 1 to 11\n");
         return 2;
     }
+    listener.base = event_base_new();
+    if (!listener.base)
+        return 1;
     listener.retry = evtimer_new(listener.base, on_retry, &listener);
     on_retry(-1, 0, &listener);
     return event_base_dispatch(listener.base) == 0 ? 0 : 1;
