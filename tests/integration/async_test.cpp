@@ -175,22 +175,8 @@ TEST_F(Async, TransactionIdsAroundTheEndOfTheNumbersAreAnsweredAsTheyCame)
     uint32_t xid = 0xfffffff0;
     const auto next = [&xid] { return xid = xid == 0xffffffff ? 0x80000000 : xid + 1; };
     for (int i = 0; i < 64; ++i) {
-        const OfpFlowRuleCtx request{.command = 0,
-                                     .xid = next(),
-                                     .client_id = CLIENT,
-                                     .asynchronous = 1,
-                                     .table_id = TABLE,
-                                     .reserved_13 = {}};
-        const OfpClientHead head{.smooth_mode = SMOOTH_MODE,
-                                 .zone_id = 0,
-                                 .smooth_id = SMOOTH_ID,
-                                 .local_lip = 0,
-                                 .client_id = CLIENT};
         item[0].match.in_port = static_cast<uint32_t>(i + 1);
-        Datagram datagram(OFP_DATAGRAM_SIZE);
-        datagram.resize(OFP_encode_FlowRule(&request, reinterpret_cast<const uint8_t *>(&head), 1,
-                                            item.data(), datagram.size(), datagram.data()));
-        ASSERT_TRUE(channel.send(datagram));
+        ASSERT_TRUE(channel.send(asynchronous_batch_of(item, next())));
     }
     xid = 0xfffffff0;
     for (int i = 0; i < 64; ++i) {

@@ -23,27 +23,6 @@ Datagram question()
     return request_of(OFP_MSG_GET_INSTANCE_EXIST, OFP_TLV_InstanceID, &key, sizeof key);
 }
 
-// A datagram of rules as the library encodes it.
-Datagram batch_of(const FlowItems &items)
-{
-    const OfpFlowRuleCtx request{.command = 0,
-                                 .xid = 0,
-                                 .client_id = CLIENT,
-                                 .asynchronous = 0,
-                                 .table_id = TABLE,
-                                 .reserved_13 = {}};
-    const OfpClientHead head{.smooth_mode = SMOOTH_MODE,
-                             .zone_id = 0,
-                             .smooth_id = SMOOTH_ID,
-                             .local_lip = 0,
-                             .client_id = CLIENT};
-    Datagram datagram(OFP_encode_GetRuleMsgLen(items.size(), items.data()) + 64);
-    datagram.resize(OFP_encode_FlowRule(&request, reinterpret_cast<const uint8_t *>(&head),
-                                        items.size(), items.data(), datagram.size(),
-                                        datagram.data()));
-    return datagram;
-}
-
 TEST_F(Clients, TwoHundredAtOnceAreAllAnswered)
 {
     std::atomic<int> answered = 0;

@@ -45,4 +45,32 @@ std::vector<uint64_t> add_rules(const FlowItems &items, uint32_t *call)
     return results;
 }
 
+namespace {
+
+Datagram encoded(const FlowItems &items, const OfpFlowRuleCtx &request)
+{
+    const OfpClientHead head{.smooth_mode = SMOOTH_MODE,
+                             .zone_id = 0,
+                             .smooth_id = SMOOTH_ID,
+                             .local_lip = 0,
+                             .client_id = CLIENT};
+    Datagram datagram(OFP_encode_GetRuleMsgLen(items.size(), items.data()) + 64);
+    datagram.resize(OFP_encode_FlowRule(&request, reinterpret_cast<const uint8_t *>(&head),
+                                        items.size(), items.data(), datagram.size(),
+                                        datagram.data()));
+    return datagram;
+}
+
+} // namespace
+
+Datagram batch_of(const FlowItems &items)
+{
+    return encoded(items, {.client_id = CLIENT, .table_id = TABLE});
+}
+
+Datagram asynchronous_batch_of(const FlowItems &items, uint32_t xid)
+{
+    return encoded(items, {.xid = xid, .client_id = CLIENT, .asynchronous = 1, .table_id = TABLE});
+}
+
 } // namespace integration

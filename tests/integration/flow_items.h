@@ -5,6 +5,7 @@
 #include <deque>
 #include <vector>
 
+#include "integration/exchange.h"
 #include "ofp.h"
 
 namespace integration {
@@ -35,5 +36,10 @@ private:
 
 // Adds all, and gives the result of each; a result is ~0 when the call failed as a whole.
 std::vector<uint64_t> add_rules(const FlowItems &items, uint32_t *call = nullptr);
+
+// The datagram that adds all, as the library encodes it.
+Datagram batch_of(const FlowItems &items);
+// The same with one transaction id for every rule, as asynchronous ones have.
+Datagram asynchronous_batch_of(const FlowItems &items, uint32_t xid);
 
 } // namespace integration

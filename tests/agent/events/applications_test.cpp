@@ -1,9 +1,12 @@
 #include "events/applications.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "agent/daemon/messages.h"
 #include "events/notification.h"
+#include "openflow/wire.h"
 
 namespace agent::test {
 namespace {
@@ -207,7 +210,11 @@ TEST(Applications, TheirRecordTellsSubscriptionsAndEvents)
                              hex("0000000000000002 0000000000001ffe"),         // sent, waiting
                              hex("0000000000000003"),                          // dropped
                              Datagram(40, 0), be32(100), hex("00000000")}))}); // process, age
-    EXPECT_EQ(to_hex(ask_from(model, info(7), SECOND)), to_hex(expected));
+    Datagram answer = ask_from(model, info(7), SECOND);
+    ASSERT_EQ(answer.size(), expected.size());
+    EXPECT_LE(openflow::load32(&answer[answer.size() - 4]), 60u); // seconds may have passed
+    std::fill(answer.end() - 4, answer.end(), uint8_t{0});
+    EXPECT_EQ(to_hex(answer), to_hex(expected));
 }
 
 TEST(Applications, ThereIsNoOapService)
